@@ -1,0 +1,27 @@
+// A window on this machine's desktop, its real clock, and files.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "host/platform.h"
+
+namespace qel {
+
+struct DesktopOptions {
+    std::string title;
+    int scale = 0;  // window pixels for one of the content when the window opens; 0: as large as fits well
+};
+
+class DesktopPlatform : public Platform {
+  public:
+    // Opens the window. Null where there is no display; `error` then says what the system said.
+    static std::unique_ptr<DesktopPlatform> open(const DesktopOptions& options, std::string& error);
+
+    // Waits for the next thing that the session has to hear of, keeping the window painted meanwhile.
+    enum class Message : std::uint8_t { timer, quit };
+    virtual Message nextMessage() = 0;
+};
+
+}  // namespace qel
