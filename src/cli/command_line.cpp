@@ -1,12 +1,15 @@
 #include "cli/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <iostream>
 
 namespace qel::cli {
 
 int runCommandLine(int argc, const char* const* argv) {
-    CLI::App app{"Plays, checks, converts and writes VIS, ZVIS, SAF, MSF and MSS content.", "qel"};
-    app.require_subcommand(1);
+    CLI::App app{"Plays, checks, converts and writes VIS, ZVIS and SAF content.", "qel"};
+    app.set_version_flag("--version", "qel 0.1");
+    app.require_subcommand(0, 1);
+    app.footer("qel COMMAND --help tells more about a command.");
     int status = success;
     addPlayCommand(app, status);
     addRenderCommand(app, status);
@@ -18,6 +21,7 @@ int runCommandLine(int argc, const char* const* argv) {
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? success : badUsage;
     }
+    if (app.get_subcommands().empty()) std::cout << app.help();
     return status;
 }
 
