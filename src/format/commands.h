@@ -1,5 +1,5 @@
-// Command lists (frame item 10, record 1 sub-record 1, command buttons): one header byte, then the body, whose first byte
-// is the event code. The header's bits 7 to 2 are the command's number, bits 1 and 0 the size code: the body has
+// Command lists (frame item 10, record 1 sub-record 1, command buttons): one header byte, then the body, whose first
+// byte is the event code. The header's bits 7 to 2 are the command's number, bits 1 and 0 the size code: the body has
 // code + 1 bytes, or, for code 3, as many (4 or more) as the next byte says.
 #pragma once
 

@@ -1,5 +1,5 @@
-// The headers of "VIS" and "ZVIS" files and of the older "SAF" container: where each field lies, in bytes from the start.
-// Numbers are little-endian except those of "SAF".
+// The headers of "VIS" and "ZVIS" files and of the older "SAF" container: where each field lies, in bytes from the
+// start. Numbers are little-endian except those of "SAF".
 #pragma once
 
 #include <cstdint>
@@ -53,9 +53,9 @@ namespace zvis {
 inline constexpr std::uint32_t headerSize = 20;  // then the code tables, the chunk sizes, the chunks
 inline constexpr std::uint32_t expandedLengthOffset = 4;
 inline constexpr std::uint32_t fileLengthOffset = 8;
-inline constexpr std::uint32_t widthOffset = 14;       // u16, for hosts only
-inline constexpr std::uint32_t heightOffset = 16;      // u16, for hosts only
-inline constexpr std::uint32_t chunkCountOffset = 18;  // u8
+inline constexpr std::uint32_t widthOffset = 14;        // u16, for hosts only
+inline constexpr std::uint32_t heightOffset = 16;       // u16, for hosts only
+inline constexpr std::uint32_t chunkCountOffset = 18;   // u8
 inline constexpr std::uint32_t tableLengthOffset = 19;  // u8
 inline constexpr std::uint32_t chunkSize = 2048;        // what every chunk but the last expands to
 }  // namespace zvis

@@ -1,4 +1,5 @@
-// The path records of a shape: one header byte (high three bits the kind, low five the length of the body), then the body.
+// The path records of a shape: one header byte (high three bits the kind, low five the length of the body), then the
+// body.
 #pragma once
 
 #include <cstdint>

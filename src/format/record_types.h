@@ -87,19 +87,19 @@ inline constexpr std::uint16_t noCharacter = 65535;
 
 // Sub-records of record 1: a type byte, a length (u16 below type 48, else u8), then that many bytes.
 enum class PropertyType : std::uint8_t {
-    commands = 1,          // the global command list
-    keyFrameIndex = 2,     // u16 count; count pairs of u16 frame, u16 frame cache identifier, ascending
-    frameLabels = 3,       // u16 count; count times u16 frame, short text
-    reserved52 = 52,       // align; UB[1]; UB[2]; u16 length; bytes
-    frameCount = 53,       // u16
-    background = 54,       // align; UB[4] colour format; the colour
-    frameDuration = 55,    // u16 milliseconds; 0: frameCount - 1 durations of u16 follow
-    reserved56 = 56,       // 2 bytes
-    contentLength = 57,    // u32
-    blob = 64,             // kept bytes
-    reserved65 = 65,       // align; UB[2]
-    stageRectangle = 66,   // rectangle; its maxima are the width and height
-    dictionarySize = 67,   // u16
+    commands = 1,         // the global command list
+    keyFrameIndex = 2,    // u16 count; count pairs of u16 frame, u16 frame cache identifier, ascending
+    frameLabels = 3,      // u16 count; count times u16 frame, short text
+    reserved52 = 52,      // align; UB[1]; UB[2]; u16 length; bytes
+    frameCount = 53,      // u16
+    background = 54,      // align; UB[4] colour format; the colour
+    frameDuration = 55,   // u16 milliseconds; 0: frameCount - 1 durations of u16 follow
+    reserved56 = 56,      // 2 bytes
+    contentLength = 57,   // u32
+    blob = 64,            // kept bytes
+    reserved65 = 65,      // align; UB[2]
+    stageRectangle = 66,  // rectangle; its maxima are the width and height
+    dictionarySize = 67,  // u16
 };
 
 constexpr unsigned propertyLengthBytes(std::uint8_t type) { return type < 48 ? 2 : 1; }

@@ -15,16 +15,16 @@ inline constexpr FileHandle invalidFile = -1;
 // The host's record, one for each content that plays. The player hands it back with every event and every service call.
 // The player never touches its fields; they are here so that hosts share their meaning.
 struct HostContext {
-    void* window = nullptr;      // whatever the host shows frames in
-    bool skipNextTick = false;   // set by the cancel-timer service: the next timer message is swallowed and clears it
-    bool done = false;           // playback has finished (event 8)
+    void* window = nullptr;     // whatever the host shows frames in
+    bool skipNextTick = false;  // set by the cancel-timer service: the next timer message is swallowed and clears it
+    bool done = false;          // playback has finished (event 8)
     FileHandle contentFile = invalidFile;
     FileHandle tempFile = invalidFile;
     void* instanceMemory = nullptr;  // holds the PlayerInstance: playerInstanceSize() bytes
     PlayerInstance* player = nullptr;
-    bool readFromContent = true;  // true: reads come from contentFile, false: from tempFile
-    std::uint16_t* frameBuffer = nullptr;    // frameWidth * frameHeight * 4 bytes
-    std::uint16_t* stagingBuffer = nullptr;  // frameWidth * frameHeight * 4 bytes
+    bool readFromContent = true;                    // true: reads come from contentFile, false: from tempFile
+    std::uint16_t* frameBuffer = nullptr;           // frameWidth * frameHeight * 4 bytes
+    std::uint16_t* stagingBuffer = nullptr;         // frameWidth * frameHeight * 4 bytes
     std::uint32_t frameWidth = 0, frameHeight = 0;  // pixels, from event 1
     std::uint8_t paletteCount = 0;
     std::uint32_t extra = 0;
@@ -63,7 +63,8 @@ enum class AbortReason : std::uint32_t {
 
 // Answers event-specific: see HostEvent. `value` is a number or a pointer that is good for the time of the call.
 // Events 8 and 9 are the last that a player raises. A host may call destroyPlayer from inside them.
-using HostCallback = std::uint32_t (*)(HostContext& host, HostEvent event, std::uint32_t argument, std::uintptr_t value);
+using HostCallback = std::uint32_t (*)(HostContext& host, HostEvent event, std::uint32_t argument,
+                                       std::uintptr_t value);
 
 enum class ContentKind : std::uint32_t { paletteMovie = 17, movie = 33, stream = 49 };
 
@@ -74,9 +75,9 @@ struct ContentInfo {
     ContentKind kind = ContentKind::movie;
     std::uint32_t version = 0;
     std::uint32_t width = 0, height = 0;  // pixels
-    std::uint8_t oldFormat = 0;           // 1: version 16 or less, or 21; else bit 1 of a "VIS" file's flags byte (0 or 2)
-    std::uint8_t paletteCount = 0;        // as announced; the palette below holds at most maximumPalette of them
-    std::uint32_t extra = 0;              // movies: the background colour (RGB565)
+    std::uint8_t oldFormat = 0;     // 1: version 16 or less, or 21; else bit 1 of a "VIS" file's flags byte (0 or 2)
+    std::uint8_t paletteCount = 0;  // as announced; the palette below holds at most maximumPalette of them
+    std::uint32_t extra = 0;        // movies: the background colour (RGB565)
     std::uint8_t option1 = 0, option2 = 0;
     std::array<std::uint32_t, maximumPalette> palette{};  // RGB565 in the low 16 bits
 };

@@ -1,5 +1,5 @@
-// The player: an application hands it an open content file (through the services of its HostContext) and drives it from a
-// timer. Everything runs on the caller's thread. See docs/embedding.md for a worked host.
+// The player: an application hands it an open content file (through the services of its HostContext) and drives it from
+// a timer. Everything runs on the caller's thread. See docs/embedding.md for a worked host.
 #pragma once
 
 #include <cstddef>
@@ -13,21 +13,21 @@ namespace qel {
 std::size_t playerInstanceSize();
 
 struct PlayerOptions {
-    std::uint32_t budget = 307200;   // bytes that the engine may use, counted as on the device
-    std::uint32_t timeSlice = 500;   // milliseconds that one step may go on
-    bool loop = true;                // play again from the start at the end
-    bool startMuted = false;         // stream content only: start without sound
+    std::uint32_t budget = 307200;  // bytes that the engine may use, counted as on the device
+    std::uint32_t timeSlice = 500;  // milliseconds that one step may go on
+    bool loop = true;               // play again from the start at the end
+    bool startMuted = false;        // stream content only: start without sound
 };
 
 // Sniffs the content and makes the engine that plays it, in `memory` (playerInstanceSize() bytes, the caller's).
-// Null, with nothing left allocated: the first 24 bytes cannot be read, their magic is unknown, the content is of a kind
-// or variant that is refused, or memory ran out.
+// Null, with nothing left allocated: the first 24 bytes cannot be read, their magic is unknown, the content is of a
+// kind or variant that is refused, or memory ran out.
 PlayerInstance* createPlayer(HostContext& host, void* memory, const PlayerOptions& options, HostCallback callback);
 
-// Tears the engine down: cancels the timer, lets the movie finish what it holds (raising no event), and frees everything.
-// The caller frees the instance memory afterwards. Called from inside an event, it waits until the operation that raised
-// the event has returned: the operation then ends at once, raises nothing more, and reports it by its result
-// `playerGone`; the memory must stay until then. Asked for twice it happens once.
+// Tears the engine down: cancels the timer, lets the movie finish what it holds (raising no event), and frees
+// everything. The caller frees the instance memory afterwards. Called from inside an event, it waits until the
+// operation that raised the event has returned: the operation then ends at once, raises nothing more, and reports it by
+// its result `playerGone`; the memory must stay until then. Asked for twice it happens once.
 void destroyPlayer(PlayerInstance& player);
 
 // What an operation answers when destroyPlayer was called from inside it: the instance is gone when it returns.

@@ -24,11 +24,11 @@ enum class SoundChannel : std::uint8_t { first = 1, second = 2 };
 // A sound as it is handed to the host. The data stay where they are until the channel is stopped.
 struct SoundRequest {
     SoundChannel channel = SoundChannel::first;
-    std::uint16_t id = 0;      // character identifier
-    std::uint8_t format = 0;   // of the definition; 8 plays on the first channel
-    std::uint8_t kept = 0;     // the definition's last header byte
-    std::uint16_t loops = 1;   // how often it plays
-    std::uint8_t volume = 0;   // 0 to 255
+    std::uint16_t id = 0;     // character identifier
+    std::uint8_t format = 0;  // of the definition; 8 plays on the first channel
+    std::uint8_t kept = 0;    // the definition's last header byte
+    std::uint16_t loops = 1;  // how often it plays
+    std::uint8_t volume = 0;  // 0 to 255
     std::span<const std::uint8_t> data;
 };
 
@@ -50,8 +50,9 @@ struct PlatformServices {
     std::uint32_t (*tickCount)(HostContext&);  // milliseconds, wraps at 2^32
     Date (*date)(HostContext&);                // UTC
     TimeOfDay (*timeOfDay)(HostContext&);      // UTC
-    void (*armTimer)(HostContext&, std::uint32_t interval);  // milliseconds; 1 means 20; clears HostContext::skipNextTick
-    void (*cancelTimer)(HostContext&);                       // sets HostContext::skipNextTick
+    void (*armTimer)(HostContext&,
+                     std::uint32_t interval);  // milliseconds; 1 means 20; clears HostContext::skipNextTick
+    void (*cancelTimer)(HostContext&);         // sets HostContext::skipNextTick
 
     // Memory: the general heap. Blocks are aligned for any type; null when there is none.
     void* (*allocate)(HostContext&, std::size_t size);

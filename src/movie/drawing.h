@@ -1,0 +1,20 @@
+// Drawing a frame: the changed areas are cleared to the background, and every object that reaches into them is drawn
+// again, from the bottom to the top, one object a feed so that a long redraw can be interrupted.
+#pragma once
+
+#include "movie/result.h"
+
+namespace qel {
+
+struct Movie;
+
+// Collects what has changed, clears it, and enters the drawing step.
+void beginDrawing(Movie& movie);
+
+// Draws the next object; enters the presenting step when none is left. outOfMemory: an object could not be drawn.
+Result drawNextObject(Movie& movie);
+
+// Hands the finished frame to the host and enters the dispatch phase.
+Result presentDrawnFrame(Movie& movie);
+
+}  // namespace qel

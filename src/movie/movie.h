@@ -1,0 +1,121 @@
+// The movie engine's state, one for each content that plays. It owns everything below it; members are destroyed from
+// the last to the first, so whoever uses another stands behind it.
+#pragma once
+
+#include <cstdint>
+
+#include "format/file_header.h"
+#include "movie/command_list.h"
+#include "movie/content_reader.h"
+#include "movie/dictionary.h"
+#include "movie/display_object.h"
+#include "movie/expansion.h"
+#include "movie/inflater.h"
+#include "movie/key_queue.h"
+#include "movie/pool.h"
+#include "movie/redraw_region.h"
+#include "movie/state_word.h"
+#include "player/player_instance.h"
+#include "render/render_context.h"
+#include "script/script_context.h"
+
+namespace qel {
+
+// The fields of the file header and of record 1.
+struct MovieHeader {
+    static constexpr std::uint16_t firstBackground = 255;
+
+    std::uint8_t version = 0;
+    bool scanDefinitions = false;  // else the character directory lists them
+    bool dropFrames = false;       // pacing at a fixed rate
+    bool fitToScreen = false;      // scale the stage to the frame buffer
+    FontMode fontMode = FontMode::builtIn;
+    bool trailer = false;       // a font block lies in front of the extension block
+    bool hasExtension = false;  // an extension block follows the movie data
+    bool hasBackground = false;
+    std::uint16_t frameCount = 0;
+    std::uint16_t frameDuration = 0;          // milliseconds; 0: frameDurations gives one for each frame
+    PoolArray<std::uint16_t> frameDurations;  // milliseconds
+    std::uint16_t dictionarySize = 0;
+    std::uint16_t backgroundColour = firstBackground;  // RGB565: what the frame buffer is cleared to
+    std::uint16_t initialBackground = 0;               // RGB565: what the host is told
+    std::uint32_t contentLength = 0;                   // bytes of movie data: the trailer blocks begin here
+    Rect stage;                                        // x and y, then width and height in the maxima
+    PoolArray<std::uint8_t> blob, reserved52;          // kept for nobody
+};
+
+// When frames are shown. Times are tick counts.
+struct Pacing {
+    std::uint32_t frameStart = 0;  // when the current frame began
+    std::uint32_t presented = 0;   // when the previous frame was shown
+    std::uint32_t deadline = 0;    // fixed rate: when the current frame is due
+    bool resynchronise = true;     // the clock starts again with the next frame
+    bool firstFrame = true;        // nothing was shown in this pass
+    bool dropped = false;          // the frame before was not drawn
+    bool draining = false;         // nothing waits any more
+};
+
+struct Movie {
+    PlayerInstance* player;
+    StateWord state;
+    LoadStatus loadStatus;
+    Pool heap;  // charges nobody
+    Pool pool;
+    CharacterDictionary dictionary;
+    Inflater inflater;
+    bool inflaterReady = false;
+    MovieHeader header;
+
+    // The fed bytes, and where they lie in the content.
+    ContentReader reader;
+    std::uint32_t position = 0;
+    PoolArray<std::uint8_t> section;  // a record that did not fit one chunk, as it is collected
+    std::uint32_t sectionLength = 0;  // of that record; 0: nothing is being collected
+    std::uint32_t sectionOffset = 0;  // of that record in the content
+
+    // Loading.
+    PoolPtr<Expansion> expansion;
+    PoolPtr<MovieInformation> information;  // while the host looks at it
+    bool awaitsRecord = false;              // the leading record behind previousRecord has not arrived
+    std::uint8_t previousRecord = 0;        // its type; 0: the file header
+    std::uint32_t firstFramePosition = 0;
+    CommandList globalCommands;
+    PoolArray<std::uint8_t> fontBlock, extensionBlock;
+    bool deviceText = false;
+
+    // Playing.
+    ScriptContext scripts;
+    std::uint32_t frameIndex = 0;        // of the current frame, 0 before the first
+    PoolArray<std::uint16_t> keyFrames;  // frames that are always shown, ascending
+    Pacing pacing;
+    KeyQueue keys;
+    Matrix stageToScreen = identityMatrix;
+    RenderContext render;
+    RedrawRegion changedAreas;
+    bool fullRedraw = true;
+    DisplayObject* drawingAt = nullptr;  // the object that is drawn next; null: none is left
+    PlacementNumber nextPlacement;       // of the root timeline
+    DisplayList root;
+    DisplayList rootKept;
+
+    Movie(PlayerInstance& itsPlayer, std::uint32_t budget);
+    Movie(const Movie&) = delete;
+    ~Movie();
+};
+
+// Leaves a status for the front end.
+inline void answer(Movie& movie, LoadCode code) { movie.loadStatus.code = code; }
+inline void answerFailure(Movie& movie, Result failure) { movie.loadStatus.code = failureCode(failure); }
+inline void answerWait(Movie& movie, std::uint32_t milliseconds) {
+    movie.loadStatus.code = LoadCode::wait;
+    movie.loadStatus.length = milliseconds;
+}
+
+// Asks for bytes at a content offset; length 0 means as many as fit a chunk.
+inline void askForBytes(Movie& movie, std::uint32_t offset, std::uint32_t length = 0) {
+    movie.loadStatus.code = LoadCode::needBytes;
+    movie.loadStatus.offset = offset;
+    movie.loadStatus.length = length;
+}
+
+}  // namespace qel

@@ -1,0 +1,103 @@
+#include "movie/pacing.h"
+
+#include <algorithm>
+
+#include "format/integers.h"
+#include "movie/drawing.h"
+#include "movie/movie.h"
+#include "movie/sounds.h"
+#include "player/engine_services.h"
+
+namespace qel {
+namespace {
+
+enum class Verdict { draw, wait, drop };
+
+// Frames are shown after their predecessors' time, a little early rather than late.
+Verdict paceNormally(Movie& movie, std::uint32_t duration) {
+    constexpr std::uint32_t mostEarly = 10;  // milliseconds
+    const std::uint32_t due = movie.pacing.presented - std::min(duration / 3, mostEarly) + duration;
+    const std::int32_t left = tickDifference(due, tickCount(*movie.player));
+    if (left <= 0) return Verdict::draw;
+    answerWait(movie, static_cast<std::uint32_t>(left));
+    return Verdict::wait;
+}
+
+// Deadlines follow one another at the frame rate. A frame that is too late is passed over, unless it is one of those
+// that are always shown.
+Verdict paceAtFixedRate(Movie& movie, std::uint32_t duration) {
+    constexpr std::uint32_t mostSlack = 200;  // milliseconds
+    Pacing& pacing = movie.pacing;
+    const std::uint32_t now = tickCount(*movie.player);
+    if (pacing.resynchronise || pacing.firstFrame) {
+        pacing.resynchronise = false;
+        pacing.deadline = now + duration;
+        return Verdict::draw;
+    }
+    const std::uint32_t slack = std::min(duration / 3, mostSlack);
+    const std::int32_t left = tickDifference(pacing.deadline - slack, now);
+    if (left > 0) {
+        answerWait(movie, static_cast<std::uint32_t>(left));
+        return Verdict::wait;
+    }
+    pacing.deadline += duration;
+    if (tickDifference(now, pacing.deadline + slack) <= 0) return Verdict::draw;
+    if (std::binary_search(movie.keyFrames.begin(), movie.keyFrames.end(), movie.frameIndex)) return Verdict::draw;
+    pacing.dropped = true;
+    pacing.frameStart = now;
+    return Verdict::drop;
+}
+
+Verdict pace(Movie& movie) {
+    if (movie.pacing.draining) return Verdict::draw;
+    const std::uint32_t duration = frameDuration(movie, movie.frameIndex);
+    if (movie.header.dropFrames) return paceAtFixedRate(movie, duration);
+    if (movie.state.stopRequested || movie.pacing.firstFrame) return Verdict::draw;
+    return paceNormally(movie, duration);
+}
+
+}  // namespace
+
+std::uint32_t frameDuration(const Movie& movie, std::uint32_t frameIndex) {
+    const MovieHeader& header = movie.header;
+    if (frameIndex == 0) return 0;
+    if (header.frameDuration != 0) return header.frameDuration;
+    return frameIndex <= header.frameDurations.size() ? header.frameDurations[frameIndex - 1] : 0;
+}
+
+Result paceFrame(Movie& movie) {
+    answer(movie, LoadCode::again);
+    if (movie.state.restartRequested) {
+        movie.state.restartRequested = false;
+        movie.state.enter(Phase::load, LoadStep::rewind);
+        return Result::done;
+    }
+    switch (pace(movie)) {
+        case Verdict::wait: break;
+        case Verdict::draw: beginDrawing(movie); break;
+        case Verdict::drop: movie.state.phase = Phase::dispatch; break;
+    }
+    return Result::done;
+}
+
+Result finishPass(Movie& movie) {
+    const std::uint32_t duration = frameDuration(movie, movie.frameIndex);
+    if (duration != 0 && !movie.pacing.draining) {
+        const std::uint32_t due = movie.pacing.frameStart + duration;
+        const std::int32_t left = tickDifference(due, tickCount(*movie.player));
+        if (left > 0) {
+            answerWait(movie, static_cast<std::uint32_t>(left));
+            return Result::done;
+        }
+    }
+    stopSounds(movie);
+    if (movie.state.loop && !movie.state.stopRequested) {
+        movie.state.enter(Phase::load, LoadStep::rewind);
+        answer(movie, LoadCode::loopBack);
+    } else {
+        answer(movie, LoadCode::finished);
+    }
+    return Result::done;
+}
+
+}  // namespace qel

@@ -1,0 +1,153 @@
+#include "movie/play_records.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "movie/movie.h"
+#include "movie/record_header.h"
+#include "movie/structures.h"
+#include "movie/timeline.h"
+
+namespace qel {
+namespace {
+
+// How reading goes on behind a record.
+enum class Next { record, status };
+
+std::uint32_t readerOffset(const Movie& movie) {
+    return movie.position + static_cast<std::uint32_t>(movie.reader.cursor());
+}
+
+Result playFrameRecord(Movie& movie, ContentReader body, std::uint32_t bodyOffset) {
+    const Result played = playRootFrame(movie, body, bodyOffset);
+    if (failed(played)) return played;
+    movie.state.phase = Phase::frameActions;
+    answer(movie, LoadCode::again);
+    return Result::done;
+}
+
+// A frame record larger than a chunk is collected from as many as it takes.
+Result collectFrame(Movie& movie) {
+    const std::size_t missing = movie.sectionLength - movie.section.size();
+    for (const std::uint8_t byte : movie.reader.take(std::min(missing, movie.reader.left())))
+        movie.section.appendReserved(byte);
+    if (movie.section.size() < movie.sectionLength) {
+        askForBytes(movie, readerOffset(movie));
+        return Result::done;
+    }
+    PoolArray<std::uint8_t> frame = std::move(movie.section);
+    movie.sectionLength = 0;
+    return playFrameRecord(movie, ContentReader(frame.span()), movie.sectionOffset);
+}
+
+Result takeFrame(Movie& movie, const RecordHeader& header) {
+    ContentReader ahead = movie.reader;
+    ahead.skip(header.headerLength);
+    const std::uint32_t bodyOffset = readerOffset(movie) + header.headerLength;
+    if (ahead.available(header.bodyLength)) {
+        const ContentReader body = ahead.section(header.bodyLength);
+        movie.reader = ahead;
+        return playFrameRecord(movie, body, bodyOffset);
+    }
+    const bool fillsChunk = movie.reader.cursor() == 0 && movie.reader.left() == PlayerInstance::chunkSize;
+    if (!fillsChunk) {
+        askForBytes(movie, readerOffset(movie));
+        return Result::done;
+    }
+    if (failed(movie.section.reserve(movie.pool, header.bodyLength))) return Result::outOfMemory;
+    movie.sectionLength = header.bodyLength;
+    movie.sectionOffset = bodyOffset;
+    movie.reader = ahead;
+    return collectFrame(movie);
+}
+
+// Records that act at once. Their bodies are short enough to be whole; false when more bytes are needed.
+Result actOn(Movie& movie, RecordType type, ContentReader body) {
+    switch (type) {
+        case RecordType::keyFrameList: {
+            const std::uint32_t count = body.u16();
+            body.align();
+            const unsigned bits = body.ub(4) + 1;
+            if (std::uint64_t{count} * bits > std::uint64_t{body.left()} * 8 + 8) return Result::badContent;
+            if (failed(movie.keyFrames.assignZeros(movie.pool, count))) return Result::outOfMemory;
+            for (std::uint16_t& frame : movie.keyFrames) frame = static_cast<std::uint16_t>(body.ub(bits));
+            return body.ok() ? Result::done : Result::badContent;
+        }
+        case RecordType::backgroundColour:
+            movie.header.backgroundColour = readPackedColour(body, movie.header.backgroundColour);
+            movie.fullRedraw = true;
+            return body.ok() ? Result::done : Result::badContent;
+        default: return Result::nothing;
+    }
+}
+
+constexpr bool actsAtOnce(std::uint8_t type) {
+    return RecordType{type} == RecordType::keyFrameList || RecordType{type} == RecordType::backgroundColour;
+}
+
+// Moves behind a record, whether its end was fed or not.
+Result skipRecord(Movie& movie, const RecordHeader& header, Next& next) {
+    const std::uint64_t end = readerOffset(movie) + header.length();
+    if (end > std::numeric_limits<std::uint32_t>::max()) return Result::badContent;
+    if (movie.reader.available(header.length())) {
+        movie.reader.skip(header.length());
+        return Result::done;
+    }
+    movie.reader = ContentReader();
+    movie.position = static_cast<std::uint32_t>(end);
+    askForBytes(movie, movie.position);
+    next = Next::status;
+    return Result::done;
+}
+
+// One record. Definitions are registered where they stand and decoded when they are first used.
+Result takeRecord(Movie& movie, Next& next) {
+    ScannedRecord scanned;
+    next = Next::status;
+    if (movie.reader.available(1) && ContentReader(movie.reader).u8() == static_cast<std::uint8_t>(RecordType::end)) {
+        movie.state.phase = Phase::finish;
+        answer(movie, LoadCode::again);
+        return Result::done;
+    }
+    if (!scanRecord(movie.reader, scanned)) {
+        askForBytes(movie, readerOffset(movie));
+        return Result::done;
+    }
+    const RecordHeader& header = scanned.header;
+    if (scanned.id != noCharacter && header.length() <= std::numeric_limits<std::uint32_t>::max())
+        registerCharacter(movie.dictionary, scanned.id, definedKind(header.type), readerOffset(movie),
+                          static_cast<std::uint32_t>(header.length()));
+    if (RecordType{header.type} == RecordType::frame) return takeFrame(movie, header);
+    if (actsAtOnce(header.type)) {
+        ContentReader ahead = movie.reader;
+        ahead.skip(header.headerLength);
+        if (!ahead.available(header.bodyLength)) {
+            askForBytes(movie, readerOffset(movie));
+            return Result::done;
+        }
+        const Result acted = actOn(movie, RecordType{header.type}, ahead.section(header.bodyLength));
+        if (failed(acted)) return acted;
+    }
+    next = Next::record;
+    return skipRecord(movie, header, next);
+}
+
+}  // namespace
+
+Result playRecords(Movie& movie) {
+    if (movie.sectionLength != 0) return collectFrame(movie);
+    if (static_cast<PlayStep>(movie.state.step) == PlayStep::stoppedRoot) {
+        const Result stepped = stepClips(movie);
+        if (failed(stepped)) return stepped;
+        movie.state.phase = Phase::frameActions;
+        answer(movie, LoadCode::again);
+        return Result::done;
+    }
+    for (;;) {
+        Next next = Next::status;
+        const Result taken = takeRecord(movie, next);
+        if (failed(taken) || next == Next::status) return taken;
+    }
+}
+
+}  // namespace qel

@@ -1,0 +1,58 @@
+// A shape character: outlines of straight and curved segments in whole pixels, grouped by the styles that apply to
+// them.
+#pragma once
+
+#include <cstdint>
+
+#include "format/geometry.h"
+#include "movie/character.h"
+#include "movie/content_reader.h"
+#include "render/styles.h"
+
+namespace qel {
+
+// Segments of one shape need not be connected.
+struct PathSegment {
+    bool straight = true;
+    Point start;
+    Point middle;  // of a curve the control point
+    Point end;
+};
+
+// The styles of the segments from the previous group's end up to this one's. Identifiers come from the record; the
+// characters they name are there once the shape has loaded (none for noCharacter).
+struct StyleGroup {
+    std::uint32_t end = 0;  // index of the first segment behind the group
+    std::uint16_t fill0Id = noCharacter, fill1Id = noCharacter, lineId = noCharacter;
+    CharacterHold<FillStyle> fill0, fill1;
+    CharacterHold<LineStyle> line;
+};
+
+struct ShapeGeometry {
+    bool hasFill = false;
+    std::uint8_t maximumLineWidth = 0;  // of the line styles that the groups name
+    PoolArray<PathSegment> segments;
+    PoolArray<StyleGroup> groups;
+};
+
+struct Shape : Character {
+    bool loading = true;
+    bool flag = false;    // kept, not used by rendering
+    Rect declaredBounds;  // kept; drawing uses computed bounds
+    PoolArray<std::uint16_t> bitmapFillIds, gradientFillIds;
+    ShapeGeometry geometry;
+
+    // Where the path stream stands: the records still due, and the pen.
+    std::uint32_t bytesLeft = 0;
+    Point pen;
+};
+
+// Reads the head of a shape's body (behind the identifier). `bodyLength` is the length of the whole body, identifier
+// included; the reader is left on the first path record.
+Result beginShape(ContentReader& body, std::uint32_t bodyLength, Pool& pool, PoolPtr<Shape>& shape);
+
+// Takes the path records that lie whole in `reader` and moves it past them. `done` when the stream is used up,
+// `nothing` when more bytes are needed from the reader's cursor on.
+Result continueShape(Shape& shape, ContentReader& reader, Pool& pool);
+
+}  // namespace qel

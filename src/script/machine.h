@@ -1,0 +1,18 @@
+// The script machine's door to the timeline.
+#pragma once
+
+#include "movie/result.h"
+
+namespace qel {
+
+struct Movie;
+
+// Which run of a cycle: behind the frame that was read, or behind the dispatch of keys.
+enum class ScriptRun { frameActions, queuedActions };
+
+// Runs everything that is queued and hands control back to the timeline by setting the movie's state: to pacing after
+// the frame's actions, to the next frame after the queued ones; to finishing when a stop is requested, to the rewind
+// when a restart is. Leaves the next status.
+Result runScripts(Movie& movie, ScriptRun run);
+
+}  // namespace qel
