@@ -26,7 +26,7 @@ struct Faults {
 struct SessionOptions {
     PlayerOptions player;
     std::uint64_t maximumFrames = 0;  // end right after this many presented frames; 0: no limit
-    Faults faults;
+    Faults faults = {};
 };
 
 enum class OpenResult : std::uint8_t {
