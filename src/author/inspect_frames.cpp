@@ -66,7 +66,7 @@ void inspectPlaceClip(Listing& list, MovieFacts& facts, FieldReader& fields, std
 
 void inspectPurgeOrderUpdate(Listing& list, FieldReader& fields) {
     fields.align();
-    const unsigned width = fields.bits(4, nullptr) + 1;
+    const unsigned width = fields.bits(5, nullptr) + 1;
     std::vector<std::int32_t> characters, positions;
     while (fields.bitsLeft() >= 2 * width) {
         const std::uint32_t character = fields.bits(width, nullptr);

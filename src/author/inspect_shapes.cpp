@@ -60,7 +60,7 @@ struct PathCounts {
 void inspectStyleChange(Listing& list, MovieFacts& facts, FieldReader& fields) {
     fields.align();
     bool has[3];
-    for (bool& flag : has) flag = fields.bits(1, "style flags") != 0;
+    for (bool& flag : has) flag = fields.bits(1, nullptr) != 0;
     fields.align();
     constexpr const char* names[] = {"line", "fill0", "fill1"};
     for (unsigned i = 0; i < 3; ++i) {
