@@ -11,6 +11,13 @@ namespace {
 
 void append(Bytes& to, std::span<const std::uint8_t> bytes) { to.insert(to.end(), bytes.begin(), bytes.end()); }
 
+// A field that cannot hold its value is an error of the caller's, never cut off.
+std::uint32_t checkedCount(std::size_t count, std::size_t most, const char* what) {
+    if (count > most)
+        throw std::length_error(std::to_string(count) + " " + what + "; at most " + std::to_string(most) + " fit");
+    return static_cast<std::uint32_t>(count);
+}
+
 // Identifiers and frame numbers in one common width.
 unsigned widthOf(std::span<const std::uint16_t> values) {
     unsigned width = 1;
@@ -40,7 +47,9 @@ TableWidths writeTableHead(ByteWriter& to, std::span<const Entry> entries) {
         widths.offset = std::max(widths.offset, unsignedWidth({&entry.offset, 1}));
         widths.length = std::max(widths.length, unsignedWidth({&entry.length, 1}));
     }
-    to.u16(static_cast<std::uint32_t>(entries.size())).ub(widths.offset, 5).ub(widths.length, 5);
+    constexpr unsigned widestField = 31;
+    if (widths.offset > widestField || widths.length > widestField) throw std::out_of_range("a location above 2^31");
+    to.u16(checkedCount(entries.size(), 65535, "table entries")).ub(widths.offset, 5).ub(widths.length, 5);
     return widths;
 }
 
@@ -63,6 +72,7 @@ Bytes solidFill(std::uint16_t id, const Paint& paint) {
 
 Bytes lineStyle(std::uint16_t id, const Paint& paint, unsigned width) {
     ByteWriter body;
+    checkedCount(width, 63, "pixels of line width");
     body.u16(id).ub(static_cast<std::uint32_t>(paint.format), 4).ub(width, 6);
     writeColourValue(body, paint.format, paint.colour);
     return record(RecordType::lineStyle, body.u8(paint.alpha).take());
@@ -73,7 +83,7 @@ Bytes gradientFill(std::uint16_t id, GradientType type, const Matrix& matrix, st
     ByteWriter body;
     body.u16(id).ub(static_cast<std::uint32_t>(type), 2).ub(static_cast<std::uint32_t>(format), 4);
     writeMatrix(body, matrix);
-    body.u8(static_cast<std::uint32_t>(stops.size()));
+    body.u8(checkedCount(stops.size(), 255, "gradient stops"));
     for (const GradientStop& stop : stops) {
         body.u8(stop.ratio);
         writeColourValue(body, format, stop.colour);
@@ -125,14 +135,14 @@ Outline& Outline::curveBy(Point control, Point end) {
 
 Bytes shape(const ShapeRecord& fields) {
     const unsigned width = std::max(widthOf(fields.bitmapFills), widthOf(fields.gradientFills));
-    const unsigned groups = fields.outline.groupCount();
+    const std::uint32_t groups = checkedCount(fields.outline.groupCount(), 4095, "style groups");
     const auto bitmapCount = static_cast<std::uint32_t>(fields.bitmapFills.size());
     const auto gradientCount = static_cast<std::uint32_t>(fields.gradientFills.size());
     const unsigned n = std::max(width, unsignedWidth(std::vector{bitmapCount, gradientCount}));
     ByteWriter body;
     body.u16(fields.id);
     writeRect(body, fields.bounds);
-    body.u16(fields.outline.recordCount()).u8(groups & 0xFF).ub(groups >> 8, 4);
+    body.u16(checkedCount(fields.outline.recordCount(), 65535, "path records")).u8(groups & 0xFF).ub(groups >> 8, 4);
     body.ub(0, 2).ub(0, 1).ub(fields.hasFill ? 1 : 0, 1);
     body.ub(n, 5).ub(bitmapCount, n).ub(gradientCount, n);
     writeList(body, fields.bitmapFills, n);
@@ -164,7 +174,7 @@ Bytes sprite(const SpriteRecord& fields) {
     }
     const Bytes headBytes = head.take();
     constexpr std::size_t lengthField = 2;
-    const auto headLength = static_cast<std::uint32_t>(lengthField + headBytes.size());
+    const std::uint32_t headLength = checkedCount(lengthField + headBytes.size(), 65535, "bytes of a sprite's head");
     return record(RecordType::sprite, ByteWriter().u16(headLength).bytes(headBytes).bytes(fields.timeline).take());
 }
 
@@ -192,7 +202,7 @@ Bytes keyFrameList(std::span<const std::uint16_t> frames) {
 
 Bytes purgeOrder(std::span<const std::uint16_t> ids) {
     return record(RecordType::purgeOrder,
-                  ByteWriter().u8(static_cast<std::uint32_t>(ids.size())).bytes(identifiers(ids)).take());
+                  ByteWriter().u8(checkedCount(ids.size(), 255, "identifiers")).bytes(identifiers(ids)).take());
 }
 
 Bytes releaseCharacters(std::span<const std::uint16_t> ids) {
@@ -226,8 +236,9 @@ Bytes blockTable(std::span<const Block> blocks) {
 }
 
 Properties& Properties::property(std::uint8_t type, std::span<const std::uint8_t> body) {
-    const auto length = static_cast<std::uint32_t>(body.size());
-    append(body_, ByteWriter().u8(type).littleEndian(length, propertyLengthBytes(type)).bytes(body).take());
+    const unsigned lengthBytes = propertyLengthBytes(type);
+    const std::uint32_t length = checkedCount(body.size(), lengthBytes == 1 ? 255 : 65535, "bytes of a property");
+    append(body_, ByteWriter().u8(type).littleEndian(length, lengthBytes).bytes(body).take());
     return *this;
 }
 

@@ -54,6 +54,7 @@ class Outline {
     Outline& lineTo(Point to);
     Outline& lineBy(Point by);
     Outline& curveBy(Point control, Point end);  // control from the pen, end from the control
+    // Any kind and body, also a body that is longer than the 31 bytes its header can announce.
     Outline& pathRecord(unsigned kind, std::span<const std::uint8_t> body);
 
     const Bytes& bytes() const { return bytes_; }
@@ -138,7 +139,7 @@ class Properties {
     Properties& frameCount(std::uint16_t count);
     Properties& background(std::uint32_t colour, ColourFormat format = ColourFormat::rgb565);
     Properties& frameDuration(std::uint16_t milliseconds);
-    Properties& frameDurations(std::span<const std::uint16_t> milliseconds);  // of all frames but the last
+    Properties& frameDurations(std::span<const std::uint16_t> milliseconds);  // of all frames but the last; at most 126
     Properties& contentLength(std::uint32_t bytes);
     Properties& stage(const Rect& rect);  // the maxima are the width and height
     Properties& dictionarySize(std::uint16_t count);

@@ -1,0 +1,17 @@
+// Huffman codes for deflate: lengths from frequencies, canonical codes from lengths.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace qel::author {
+
+// Code lengths of at most `limit` bits, a complete code: every symbol with a frequency gets one, and where fewer than
+// two have one the first symbols fill up. 0: the symbol has no code.
+std::vector<std::uint8_t> codeLengths(std::span<const std::uint32_t> frequencies, unsigned limit);
+
+// The canonical codes of these lengths, their bits in the order in which deflate writes them (lowest first).
+std::vector<std::uint16_t> canonicalCodes(std::span<const std::uint8_t> lengths);
+
+}  // namespace qel::author
