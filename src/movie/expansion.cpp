@@ -60,8 +60,9 @@ Result completeChunk(Movie& movie, std::uint32_t compressedLength) {
     return Result::done;
 }
 
-Result askForNextChunk(Movie& movie) {
-    askForBytes(movie, movie.expansion->nextRead);
+// All fed bytes are used up: what comes behind them.
+Result askForNextBytes(Movie& movie) {
+    askForBytes(movie, movie.position + static_cast<std::uint32_t>(movie.reader.cursor()));
     return Result::done;
 }
 
@@ -69,7 +70,6 @@ Result askForNextChunk(Movie& movie) {
 
 Result beginExpansion(Movie& movie) {
     ContentReader& reader = movie.reader;
-    const std::uint32_t fed = static_cast<std::uint32_t>(reader.left());
     ContentReader header = reader;
     header.skip(zvis::expandedLengthOffset);
     const std::uint32_t expandedLength = header.u32();
@@ -83,7 +83,6 @@ Result beginExpansion(Movie& movie) {
     movie.expansion = makePooled<Expansion>(movie.pool);
     if (!movie.expansion) return Result::outOfMemory;
     movie.expansion->expandedLength = expandedLength;
-    movie.expansion->nextRead = movie.position + fed;
     const Result copied = copyTables(*movie.expansion, header, tableLength, chunkCount, movie.pool);
     if (failed(copied)) return copied;
     if (!keepCodeTables(movie.inflater, movie.expansion->codeTables.span())) return Result::badContent;
@@ -100,9 +99,7 @@ Result expandChunk(Movie& movie) {
     ContentReader& reader = movie.reader;
     const std::uint32_t size = expansion.chunkSizes[expansion.chunk];
     const auto fed = static_cast<std::uint32_t>(reader.left());
-    if (fed == 0) {  // the chunk begins with the next bytes
-        return askForNextChunk(movie);
-    }
+    if (fed == 0) return askForNextBytes(movie);
     beginStream(movie.inflater);
     if (size <= fed) return completeChunk(movie, size);
 
@@ -112,7 +109,7 @@ Result expandChunk(Movie& movie) {
     if (!wantsMore) return Result::badContent;
     expansion.compressedDue = size - fed;
     movie.state.enter(Phase::sniff, SniffStep::finishChunk);
-    return askForNextChunk(movie);
+    return askForNextBytes(movie);
 }
 
 Result finishChunk(Movie& movie) {

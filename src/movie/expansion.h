@@ -18,7 +18,6 @@ struct Expansion {
     PoolArray<std::uint8_t> codeTables;   // shared by all chunks
     PoolArray<std::uint16_t> chunkSizes;  // compressed bytes
     std::uint32_t chunk = 0;              // index of the chunk that comes next
-    std::uint32_t nextRead = 0;           // content offset behind the fed bytes
     std::uint32_t compressedDue = 0;      // bytes of a chunk that the next feed brings
     std::uint32_t produced = 0;           // bytes of that chunk that are expanded
     std::array<std::uint8_t, zvis::chunkSize> output;

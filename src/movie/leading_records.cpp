@@ -116,7 +116,9 @@ void readMovieHeader(ContentReader header, MovieHeader& fields) {
 Result readCharacterDirectory(ContentReader body, CharacterDictionary& dictionary) {
     const std::uint16_t count = body.u16();
     const TableWidths widths = readWidths(body);
-    if (!body.ok()) return Result::badContent;
+    constexpr unsigned leastEntryBits = 6;
+    const std::uint64_t leastBits = std::uint64_t{count} * (leastEntryBits + widths.offsetBits);
+    if (!body.ok() || leastBits > std::uint64_t{body.left() + 1} * 8) return Result::badContent;
     if (failed(sizeDictionary(dictionary, count))) return Result::outOfMemory;
     for (std::uint32_t id = 0; id < count && body.ok(); ++id) {
         const unsigned lengthBits = readLengthBits(body, widths);

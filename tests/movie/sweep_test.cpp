@@ -1,0 +1,125 @@
+// Content that is broken in every place: whatever happens, playback comes to a defined end and gives everything back.
+#include <gtest/gtest.h>
+
+#include "support/playback.h"
+#include "support/small_movie.h"
+
+namespace qel::test {
+namespace {
+
+using author::move;
+using author::place;
+
+// A movie that uses everything that is played: sprites in sprites, curves, key frames, tables, trailer blocks.
+MovieFile everything() {
+    author::Outline round;
+    round.style({.line = {}, .fill0 = 1, .fill1 = 2}).moveTo({2, 0}).curveBy({4, 6}, {-6, 4}).lineBy({-3, -9});
+    round.style({.line = {}, .fill0 = 3, .fill1 = {}}).moveBy({1, 1}).lineTo({5, 5}).lineTo({0, 9}).lineTo({1, 1});
+    MovieFile movie = smallMovie(
+        24, 20,
+        {author::shape({.id = 10, .bounds = {0, 0, 9, 9}, .outline = round, .bitmapFills = {}, .gradientFills = {}}),
+         author::lineStyle(5, {}, 3), rectangle(11, 2, 6, 5),
+         spriteOf(
+             20, {frameOf({place(10, 0), move(0, at(2, 2))}), frameOf({move(0, {50000, 20000, -20000, 50000, 3, 3})})}),
+         spriteOf(21, {frameOf({place(20, 0), place(11, 1)}), author::keyFrame(40, 1, place(20, 0)), frameOf({})}),
+         author::keyFrameList(std::vector<std::uint16_t>{1, 3}),
+         frameOf({place(21, 0), move(0, at(8, 4)), place(11, 1)}), frameOf({move(1, at(9, 9))}),
+         author::keyFrame(41, 2, author::joined({author::instanceNumber(3), place(21, 0)})),
+         frameOf({author::removeAt(0)})});
+    movie.leading = {author::nameTable(std::vector<author::Name>{{10, "shape"}, {20, "clip"}})};
+    movie.properties.labels(std::vector<author::Label>{{0, "start"}, {2, "key"}})
+        .keyFrameIndex(std::vector<author::Properties::KeyFrame>{{2, 41}})
+        .commands(author::textCommand(CommandNumber::openUrl, 255, "http://example.invalid/"));
+    movie.fontMode = 1;
+    movie.fontBlock = Bytes(12, 1);
+    movie.extensionBlock = Bytes(30, 2);
+    return movie;
+}
+
+void expectADefinedEnd(const Playback& playback, const std::string& what) {
+    EXPECT_EQ(playback.blocksLeft, 0) << what;
+    EXPECT_EQ(playback.end, RunEnd::playbackEnded) << what;
+    if (playback.opened == OpenResult::opened) {
+        EXPECT_NE(playback.ending.kind, Ending::Kind::none) << what;
+    }
+}
+
+PlayOptions quick() {
+    PlayOptions options;
+    options.keepFrames = false;
+    options.mostFrames = 30;
+    return options;
+}
+
+std::vector<Bytes> bothForms() {
+    const Bytes plain = visFile(everything());
+    return {plain, author::zvisFile(plain)};
+}
+
+TEST(Sweep, TheWholeMoviePlays) {
+    for (const Bytes& content : bothForms()) {
+        const Playback playback = play(content);
+        EXPECT_TRUE(playback.finished());
+        EXPECT_EQ(playback.frames.size(), 4u);
+    }
+}
+
+TEST(Sweep, CutAtEveryLength) {
+    for (const Bytes& content : bothForms())
+        for (std::size_t length = 0; length < content.size(); ++length)
+            expectADefinedEnd(
+                play(Bytes(content.begin(), content.begin() + static_cast<std::ptrdiff_t>(length)), quick()),
+                "cut to " + std::to_string(length));
+}
+
+TEST(Sweep, EveryAllocationFailingOnceAndFromThereOn) {
+    for (const Bytes& content : bothForms()) {
+        const std::uint64_t count = play(content, quick()).allocations;
+        ASSERT_GT(count, 20u);
+        for (std::uint64_t n = 1; n <= count; ++n) {
+            PlayOptions once = quick(), from = quick();
+            once.session.faults.failedAllocations = {n};
+            from.session.faults.allocationsFailFrom = n;
+            expectADefinedEnd(play(content, once), "allocation " + std::to_string(n));
+            expectADefinedEnd(play(content, from), "allocations from " + std::to_string(n));
+        }
+    }
+}
+
+TEST(Sweep, EveryReadFailing) {
+    for (const Bytes& content : bothForms()) {
+        const std::uint64_t count = play(content, quick()).reads.size();
+        for (std::uint64_t n = 1; n <= count; ++n) {
+            PlayOptions options = quick();
+            options.session.faults.failedReads = {n};
+            const Playback playback = play(content, options);
+            expectADefinedEnd(playback, "read " + std::to_string(n));
+            EXPECT_FALSE(playback.finished()) << "read " << n;
+        }
+    }
+}
+
+TEST(Sweep, EveryBudget) {
+    const Bytes content = visFile(everything());
+    for (std::uint32_t budget = 0; budget < 8000; budget += 8) {
+        PlayOptions options = quick();
+        options.session.player.budget = budget;
+        const Playback playback = play(content, options);
+        expectADefinedEnd(playback, "budget " + std::to_string(budget));
+        EXPECT_TRUE(playback.finished() || playback.aborted(AbortReason::outOfMemory)) << budget;
+    }
+}
+
+TEST(Sweep, EveryByteWrong) {
+    for (const Bytes& content : bothForms())
+        for (std::size_t i = 0; i < content.size(); ++i)
+            for (const int change : {0x01, 0x80, 0xFF, int{content[i]}}) {
+                Bytes changed = content;
+                changed[i] = static_cast<std::uint8_t>(changed[i] ^ change);
+                expectADefinedEnd(play(changed, quick()),
+                                  "byte " + std::to_string(i) + " changed by " + std::to_string(change));
+            }
+}
+
+}  // namespace
+}  // namespace qel::test
