@@ -120,8 +120,8 @@ SpriteFrames inspectSpriteTimeline(Listing& list, MovieFacts& facts, std::size_t
             return met;
         }
         if (RecordType{record.type} == RecordType::frame) {
+            met.keyFrames += inspectFrame(list, facts, record, TimelineOf::sprite, met.frames);
             ++met.frames;
-            met.keyFrames += inspectFrame(list, facts, record, TimelineOf::sprite).cached;
         } else {
             addWarning(list, at, "only frames belong into the timeline of a sprite");
         }

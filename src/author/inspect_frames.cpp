@@ -199,19 +199,23 @@ void inspectCommandBody(Listing& list, MovieFacts& facts, unsigned number, Field
 
 }  // namespace
 
-FrameFacts inspectFrame(Listing& list, MovieFacts& facts, const RecordPlace& record, TimelineOf owner) {
+bool inspectFrame(Listing& list, MovieFacts& facts, const RecordPlace& record, TimelineOf owner, std::uint32_t index) {
     FieldReader fields(list, record.body, record.end);
+    addNumber(list, "index", index);
     const std::uint16_t id = fields.u16(nullptr);
-    if (fields.broken()) return {};
+    if (fields.broken()) return false;
     const bool cached = id != noCharacter;
     addYesNo(list, "cached", cached);
     if (cached) {
         addNumber(list, "cacheIdentifier", id);
-        fields.u16("frameNumber");
+        const unsigned number = fields.u16("frameNumber");
+        if (!fields.broken() && number != index) {
+            addWarning(list, record.body + 2, "frame %u calls itself frame %u: gotos count from there", index, number);
+        }
         if (owner == TimelineOf::movie) noteDefinition(list, facts, id, record);
     }
     if (!fields.broken()) inspectFrameItems(list, facts, fields.at(), record.end);
-    return {.cached = cached};
+    return cached;
 }
 
 void inspectCommandList(Listing& list, MovieFacts& facts, std::size_t begin, std::size_t end) {

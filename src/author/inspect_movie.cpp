@@ -96,8 +96,8 @@ void inspectIdentifiers(Listing& list, MovieFacts& facts, const RecordPlace& rec
 void inspectRecordBody(Listing& list, MovieFacts& facts, const RecordPlace& record) {
     const RecordType type{record.type};
     if (type == RecordType::frame) {
+        inspectFrame(list, facts, record, TimelineOf::movie, facts.framesMet);
         ++facts.framesMet;
-        inspectFrame(list, facts, record, TimelineOf::movie);
         return;
     }
     if (definedKind(record.type) != CharacterKind::none) {
@@ -201,18 +201,18 @@ void inspectRecords(Listing& list, MovieFacts& facts) {
 // The checks that need to have seen every record.
 void checkReferences(Listing& list, const MovieFacts& facts) {
     for (const Definition& definition : facts.definitions) {
-        const std::uint32_t part = facts.definedBy[definition.id] - 1;
+        const std::uint32_t part = facts.identifiers[definition.id].definedBy - 1;
         if (facts.hasDictionary && definition.id >= facts.dictionarySize) {
             addProblemOf(list, part, Severity::warning, definition.offset,
                          "identifier %u lies outside the dictionary of %u entries and is not registered",
                          unsigned{definition.id}, facts.dictionarySize);
         }
     }
-    for (std::uint32_t id = 0; id < facts.references.size(); ++id) {
-        const MovieFacts::Reference& reference = facts.references[id];
-        if (reference.met && facts.definedBy[id] == 0) {
-            addProblemOf(list, reference.part, Severity::warning, reference.offset, "character %u is defined nowhere",
-                         id);
+    for (std::size_t id = 0; id < facts.identifiers.size(); ++id) {
+        const MovieFacts::Identifier& identifier = facts.identifiers[id];
+        if (identifier.namedBy != 0 && identifier.definedBy == 0) {
+            addProblemOf(list, identifier.namedBy - 1, Severity::warning, identifier.namedAt,
+                         "character %zu is defined nowhere", id);
         }
     }
 }
@@ -233,35 +233,20 @@ void checkDirectory(Listing& list, const MovieFacts& facts) {
     }
 }
 
-// Lists one trailer block and answers how many bytes it takes, its length field included.
-std::size_t inspectTrailer(Listing& list, const char* name, std::size_t at, unsigned lengthBytes) {
-    if (at + lengthBytes > list.content.size()) {
-        PartScope scope(list, name, -1, at, lengthBytes);
-        addError(list, at, "the file ends before the %s block", name);
-        return lengthBytes;
-    }
-    std::size_t length = 0;
-    for (unsigned i = lengthBytes; i-- > 0;) length = length << 8 | list.content[at + i];
-    PartScope scope(list, name, -1, at, lengthBytes + length);
-    addNumber(list, "blockLength", static_cast<std::int64_t>(length));
-    if (length > list.content.size() - at - lengthBytes) {
-        addError(list, at, "the block of %zu bytes runs past the end of the file", length);
-    }
-    return lengthBytes + length;
-}
-
-void inspectTrailers(Listing& list, const MovieFacts& facts, const MovieHeader& header) {
-    std::size_t at = facts.contentLength;
-    if (at > list.content.size()) return;  // the header's problem
+void inspectBehindContent(Listing& list, const MovieFacts& facts, const MovieHeader& header) {
+    if (facts.contentLength > list.content.size()) return;  // the header's problem
     // Mode 3 has no glyphs, but its bit moves the extension block all the same.
-    if (header.fontMode == FontMode::block || (header.trailer && header.hasExtension)) {
-        at += inspectTrailer(list, "fontBlock", at, 2);
-    }
-    if (header.hasExtension) at += inspectTrailer(list, "extensionBlock", at, 4);
+    const bool fontBlock = header.fontMode == FontMode::block || (header.trailer && header.hasExtension);
+    const std::size_t at = inspectTrailers(list, facts.contentLength, {fontBlock, header.hasExtension});
     if (at < list.content.size()) {
         addProblemOf(list, facts.headerPart, Severity::warning, at, "%zu bytes from %zu on belong to nothing",
                      list.content.size() - at, at);
     }
+}
+
+MovieFacts::Identifier& identifierFacts(MovieFacts& facts, std::uint16_t id) {
+    if (id >= facts.identifiers.size()) facts.identifiers.resize(id + 1u);
+    return facts.identifiers[id];
 }
 
 }  // namespace
@@ -289,18 +274,21 @@ void noteDefinition(Listing& list, MovieFacts& facts, std::uint16_t id, const Re
     }
     facts.definitions.push_back({static_cast<std::uint32_t>(record.offset),
                                  static_cast<std::uint32_t>(record.end - record.offset), id, definedKind(record.type)});
-    if (facts.definedBy[id] != 0) {
+    MovieFacts::Identifier& identifier = identifierFacts(facts, id);
+    if (identifier.definedBy != 0) {
         addWarning(list, record.offset, "character %u is defined already, at %u: the first definition counts",
-                   unsigned{id}, list.out.parts[facts.definedBy[id] - 1].offset);
+                   unsigned{id}, list.out.parts[identifier.definedBy - 1].offset);
         return;
     }
-    facts.definedBy[id] = static_cast<std::uint32_t>(list.out.parts.size());
+    identifier.definedBy = static_cast<std::uint32_t>(list.out.parts.size());
 }
 
 void noteReference(Listing& list, MovieFacts& facts, std::uint16_t id, std::size_t offset) {
-    if (id == noCharacter || facts.references[id].met) return;
-    facts.references[id] = {static_cast<std::uint32_t>(list.out.parts.size() - 1), static_cast<std::uint32_t>(offset),
-                            true};
+    if (id == noCharacter) return;
+    MovieFacts::Identifier& identifier = identifierFacts(facts, id);
+    if (identifier.namedBy != 0) return;
+    identifier.namedBy = static_cast<std::uint32_t>(list.out.parts.size());
+    identifier.namedAt = static_cast<std::uint32_t>(offset);
 }
 
 void inspectMovie(Listing& list, MovieSource source) {
@@ -333,7 +321,7 @@ void inspectMovie(Listing& list, MovieSource source) {
         addProblemOf(list, facts.headerPart, Severity::warning, vis::frameCountOffset,
                      "%u frames are announced, %u are there", facts.frameCount, facts.framesMet);
     }
-    inspectTrailers(list, facts, header);
+    inspectBehindContent(list, facts, header);
     checkReferences(list, facts);
     checkDirectory(list, facts);
 }

@@ -41,13 +41,12 @@ struct MovieFacts {
     bool scanDefinitions = false;
     std::vector<Definition> definitions;    // by offset
     std::vector<DirectoryEntry> directory;  // the entries in use
-    std::vector<std::uint32_t> definedBy;   // by identifier: 1 + the index of its first definition, or 0
-    struct Reference {
-        std::uint32_t part, offset;  // of the first one
-        bool met;
+    struct Identifier {
+        std::uint32_t definedBy = 0;  // 1 + the index of the part with its first definition, or 0
+        std::uint32_t namedBy = 0;    // the same for the first part that names it
+        std::uint32_t namedAt = 0;    // the offset there
     };
-    std::vector<Reference> references;  // by identifier
-    MovieFacts() : definedBy(65536), references(65536) {}
+    std::vector<Identifier> identifiers;  // as many as the largest one met asks for
 };
 
 // Reads a record's header at `at`. False when it does not lie whole before `limit`; that is the last part's problem
@@ -58,6 +57,12 @@ bool readRecordHeader(Listing& list, std::size_t at, std::size_t limit, RecordPl
 // what a "ZVIS" file expands to is read to its end.
 enum class MovieSource : std::uint8_t { file, expanded };
 void inspectMovie(Listing& list, MovieSource source);
+
+// The blocks behind the movie data, from `at` on: as the header announces them. Answers where they end.
+struct TrailerFlags {
+    bool fontBlock = false, extensionBlock = false;
+};
+std::size_t inspectTrailers(Listing& list, std::size_t at, TrailerFlags flags);
 
 // The records that come before the definitions.
 void inspectMovieProperties(Listing& list, MovieFacts& facts, const RecordPlace& record);
@@ -82,11 +87,9 @@ void inspectTextField(Listing& list, MovieFacts& facts, const RecordPlace& recor
 void inspectCompressionTable(Listing& list, MovieFacts& facts, const RecordPlace& record);
 
 enum class TimelineOf : std::uint8_t { movie, sprite };
-struct FrameFacts {
-    bool cached = false;
-};
-// A frame record. Only those of the movie's timeline define a character.
-FrameFacts inspectFrame(Listing& list, MovieFacts& facts, const RecordPlace& record, TimelineOf owner);
+// A frame record, the `index`-th of its timeline, counted from 0. Only those of the movie's timeline define a
+// character. Answers whether it is cached.
+bool inspectFrame(Listing& list, MovieFacts& facts, const RecordPlace& record, TimelineOf owner, std::uint32_t index);
 
 void inspectCommandList(Listing& list, MovieFacts& facts, std::size_t begin, std::size_t end);
 // Adds how many actions the code has.

@@ -78,7 +78,7 @@ TEST(Inspect, ListsEveryPartWithItsPlace) {
         "29 7 movieProperties (1)",
         "32 4 dictionarySize (67) dictionarySize 2",
         "36 8 solidFill (52) identifier 1 format rgb565 colour 0x001F alpha 255",
-        "44 9 frame (16) cached no",
+        "44 9 frame (16) index 0 cached no",
         "49 4 place (1) character 1 depth 7",
         "53 2 end (254)",
         "",
@@ -93,11 +93,20 @@ TEST(Inspect, FindsNothingWrongWithWholeMovies) {
     MovieFile withTrailers = richMovie();
     withTrailers.fontMode = 1;
     withTrailers.fontBlock = Bytes{1, 2, 3};
-    withTrailers.extensionBlock = Bytes(64);
+    Bytes overlay(64 + 7 + 19 + 2);
+    overlay[21] = 120;
+    overlay[57] = static_cast<std::uint8_t>(overlay.size() - 64 + 4);
+    overlay[64] = 18;  // an hour hand,
+    overlay[67] = 2;   // two bytes of picture,
+    overlay[71] = 7;   // of 2-byte pixels
+    withTrailers.extensionBlock = overlay;
     const Bytes content = visFile(withTrailers);
     EXPECT_EQ(allProblems(inspectContent(content)), "");
     EXPECT_EQ(partLine(content, "fontBlock"), "fontBlock blockLength 3");
-    EXPECT_EQ(partLine(content, "extensionBlock"), "extensionBlock blockLength 64");
+    EXPECT_EQ(partLine(content, "extensionBlock"),
+              "extensionBlock blockLength 92 clockX 120 clockY 0 sectionsLength 32");
+    EXPECT_EQ(partLine(content, "hourHand"),
+              "hourHand (18) item image16 frameCount 0 width 0 height 0 pivotX 0 pivotY 0 x 0 y 0 dataBytes 2");
 }
 
 TEST(Inspect, SaysInWordsWhatPartsHold) {
@@ -220,7 +229,7 @@ const BrokenCase brokenCases[] = {
      },
      Severity::error, "the block of 10 bytes at 5000 runs past the end of the file"},
     {"extension missing", [] { return changed(handMade(), 10, 0x80); }, Severity::error,
-     "the file ends before the extensionBlock"},
+     "the file ends before the extension block"},
     {"path past its shape",
      [] {
          return with([](MovieFile& m) {
@@ -262,6 +271,8 @@ const BrokenCase brokenCases[] = {
      Severity::warning, "character 1 is defined already"},
     {"defined nowhere", [] { return with([](MovieFile& m) { m.records.push_back(frame(place(8, 0))); }); },
      Severity::warning, "character 8 is defined nowhere"},
+    {"frame number", [] { return with([](MovieFile& m) { m.records.push_back(keyFrame(6, 9, {})); }); },
+     Severity::warning, "frame 2 calls itself frame 9"},
     {"frame count", [] { return with([](MovieFile& m) { m.frameCount = std::uint16_t{9}; }); }, Severity::warning,
      "9 frames are announced, 2 are there"},
     {"directory",
