@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "author/byte_writer.h"
 #include "author/huffman.h"
 
 namespace qel::author {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
 constexpr std::size_t endOfBlock = 256;
 constexpr unsigned longestCode = 15;
 constexpr std::size_t mostDescription = 255;
@@ -303,11 +303,11 @@ std::vector<std::uint8_t> deflateWithTables(std::span<const std::uint8_t> chunk,
             if (tried.size() < block.size()) block = std::move(tried);
         }
     }
-    Bytes stream{0x78, 0x01};  // deflate, a window of 32 KB
-    stream.insert(stream.end(), block.begin(), block.end());
     const uLong checksum = adler32(adler32(0, nullptr, 0), chunk.data(), static_cast<uInt>(chunk.size()));
-    for (const unsigned shift : {24u, 16u, 8u, 0u}) stream.push_back(static_cast<std::uint8_t>(checksum >> shift));
-    return stream;
+    ByteWriter stream;
+    stream.u8(0x78).u8(0x01).bytes(block);  // deflate, a window of 32 KB
+    for (const unsigned shift : {24u, 16u, 8u, 0u}) stream.u8(static_cast<std::uint32_t>(checksum >> shift) & 0xFF);
+    return stream.take();
 }
 
 }  // namespace qel::author

@@ -40,7 +40,7 @@ TEST(Loading, VersionsBelow16BelongToTheFrameDecoder) {
     Bytes container(64, 0);
     std::copy_n("SAF", 3, container.begin());
     container[6] = 64;
-    for (const std::uint8_t version : {3, 16}) {
+    for (const std::uint8_t version : {std::uint8_t{3}, std::uint8_t{16}}) {
         container[4] = version;
         EXPECT_TRUE(play(container).aborted(AbortReason::badContent)) << int{version};
     }
