@@ -63,7 +63,7 @@ int renderPng(const RenderOptions& options) {
     const std::uint64_t wanted = options.frame != 0 ? options.frame : options.maximumFrames;
     Session session(platform, {.player = options.player, .maximumFrames = wanted}, &last);
     openContent(session, options.file);
-    runToEnd(session, platform, {.keys = {}, .stopAtMs = {}, .endAtMs = options.maximumMs});
+    runToEnd(session, platform, {.endAtMs = options.maximumMs});
     throwIfAborted(options, session);
     if (!last.picture || (options.frame != 0 && session.framesPresented() < options.frame)) {
         throw CommandError(failed, options.file + ": there is no frame " +
@@ -91,7 +91,7 @@ int renderGif(const RenderOptions& options) {
     openContent(session, options.file);
     if (!writer.open(options.output)) throw CommandError(badUsage, options.output + ": cannot be opened for writing");
     try {
-        const RunEnd end = runToEnd(session, platform, {.keys = {}, .stopAtMs = {}, .endAtMs = options.maximumMs});
+        const RunEnd end = runToEnd(session, platform, {.endAtMs = options.maximumMs});
         throwIfAborted(options, session);
         if (animation.frames == 0) throw CommandError(failed, options.file + ": the content presented no frame");
         if (!animation.written || !writer.finish(endOfLastFrame(animation, end, platform)))

@@ -90,9 +90,17 @@ class SdlPlatform : public DesktopPlatform {
     FileTable files_;
 };
 
+// Where there is no display the library falls back to drivers whose windows nobody sees. That is wanted only when the
+// user asked for one of them.
+bool fellBackToInvisible() {
+    const std::string_view driver = SDL_GetCurrentVideoDriver();
+    return !SDL_getenv("SDL_VIDEODRIVER") && (driver == "offscreen" || driver == "dummy" || driver == "evdev");
+}
+
 bool SdlPlatform::openWindow(const DesktopOptions& options) {
     scale_ = options.scale;
     if (!video_.ready) return false;
+    if (fellBackToInvisible()) return SDL_SetError("no screen was found") == 0;
     SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "0");
     const int scale = std::max(scale_, 1);
     window_.reset(SDL_CreateWindow(options.title.c_str(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,

@@ -17,9 +17,9 @@ struct KeyPress {
 
 // Times are virtual milliseconds since the start.
 struct Schedule {
-    std::vector<KeyPress> keys;  // in any order; those of one time are handed over as listed
-    std::optional<std::uint64_t> stopAtMs;
-    std::optional<std::uint64_t> endAtMs;  // the player is torn down
+    std::vector<KeyPress> keys = {};  // in any order; those of one time are handed over as listed
+    std::optional<std::uint64_t> stopAtMs = {};
+    std::optional<std::uint64_t> endAtMs = {};  // the player is torn down
 };
 
 enum class RunEnd : std::uint8_t {

@@ -16,11 +16,11 @@ namespace qel {
 
 // Failures to play through on purpose. Calls count from 1.
 struct Faults {
-    bool refuseContent = false;                    // event 1 is answered 0
-    bool noTemporaryFile = false;                  // temporary content cannot be created
-    std::vector<std::uint64_t> failedReads;        // content reads, the first 24 bytes being the first
-    std::vector<std::uint64_t> failedAllocations;  // allocations of the general heap
-    std::uint64_t allocationsFailFrom = 0;         // that one and all later ones; 0: none
+    bool refuseContent = false;                         // event 1 is answered 0
+    bool noTemporaryFile = false;                       // temporary content cannot be created
+    std::vector<std::uint64_t> failedReads = {};        // content reads, the first 24 bytes being the first
+    std::vector<std::uint64_t> failedAllocations = {};  // allocations of the general heap
+    std::uint64_t allocationsFailFrom = 0;              // that one and all later ones; 0: none
 };
 
 struct SessionOptions {
