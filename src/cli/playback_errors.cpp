@@ -21,7 +21,9 @@ std::string abortCause(const Session& session) {
 void printCommandError(const char* name, const char* message) { std::fprintf(stderr, "qel %s: %s\n", name, message); }
 
 std::string refusalMessage(const std::string& file) {
-    return file + ": no content that this player plays (a VIS, ZVIS or SAF header was looked for at offset 0)";
+    return file +
+           ": refused: its first 24 bytes cannot be read or name no VIS, ZVIS or SAF movie of a kind that is played, "
+           "or the budget is too small";
 }
 
 void openContent(Session& session, const std::string& file) {
@@ -34,9 +36,11 @@ void openContent(Session& session, const std::string& file) {
 }
 
 std::string abortMessage(const std::string& file, const Session& session) {
-    return file + ": " + abortCause(session) + " (last read at offset " + std::to_string(session.lastReadOffset()) +
-           (session.lastReadFromTemporary() ? " of the expanded content" : "") +
-           ", frames presented: " + std::to_string(session.framesPresented()) + ")";
+    const ContentRead& read = session.lastRead();
+    return file + ": " + abortCause(session) + " (the last read, " + std::to_string(read.count) + " bytes at offset " +
+           std::to_string(read.offset) + (read.expanded ? " of the expanded content" : "") +
+           (read.succeeded ? "" : ", failed") + "; frames presented: " + std::to_string(session.framesPresented()) +
+           ")";
 }
 
 }  // namespace qel::cli

@@ -23,6 +23,7 @@ OpenResult Session::open(const std::string& path) {
     end();
     resetHostContext(context_);
     ending_ = {};
+    lastRead_ = {};
     framesPresented_ = reads_ = allocations_ = 0;
     if (!instanceMemory_) return OpenResult::outOfMemory;
     context_.instanceMemory = instanceMemory_.get();

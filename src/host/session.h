@@ -49,6 +49,13 @@ struct Ending {
     std::string text = {};    // of event 8, bytes as the content has them
 };
 
+// What the player last read of the content: where to look when it is broken.
+struct ContentRead {
+    std::uint32_t offset = 0, count = 0;
+    bool expanded = false;  // the offset is one of the temporary content
+    bool succeeded = true;
+};
+
 class Session {
   public:
     static constexpr std::uint32_t largestFrame = 4096;  // pixels in either direction; larger content is refused
@@ -79,8 +86,7 @@ class Session {
     bool done() const { return context_.done; }  // event 8 has come; cleared by the next open
     const Ending& ending() const { return ending_; }
     std::uint64_t framesPresented() const { return framesPresented_; }
-    std::uint32_t lastReadOffset() const { return lastReadOffset_; }  // where the content was read last
-    bool lastReadFromTemporary() const { return lastReadFromTemporary_; }
+    const ContentRead& lastRead() const { return lastRead_; }
     const HostContext& context() const { return context_; }
 
     // The host callback that players of this session get.
@@ -115,8 +121,7 @@ class Session {
     bool leaving_ = false;    // end() was called, and the player or its operation is still on the call stack
     Ending ending_;
     std::uint64_t framesPresented_ = 0, reads_ = 0, allocations_ = 0;
-    std::uint32_t lastReadOffset_ = 0;
-    bool lastReadFromTemporary_ = false;
+    ContentRead lastRead_;
 };
 
 }  // namespace qel

@@ -18,11 +18,10 @@ struct SessionServices {
 
     static bool readContent(HostContext& host, std::uint32_t offset, std::uint32_t count, std::uint8_t* to) {
         Session& self = session(host);
-        self.lastReadOffset_ = offset;
-        self.lastReadFromTemporary_ = !host.readFromContent;
         const bool broken = std::ranges::count(self.options_.faults.failedReads, ++self.reads_) != 0;
         const FileHandle file = host.readFromContent ? host.contentFile : host.tempFile;
         const bool result = !broken && file != invalidFile && self.platform_.readFile(file, offset, {to, count});
+        self.lastRead_ = {.offset = offset, .count = count, .expanded = !host.readFromContent, .succeeded = result};
         self.notify(calls::Read{offset, count, result});
         return result;
     }
