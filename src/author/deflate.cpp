@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::size_t endOfBlock = 256;
 constexpr unsigned longestCode = 15;
-constexpr std::size_t mostDescription = 255;
 
 // A match length or distance as deflate writes it: a symbol and the extra bits behind it.
 struct Field {
@@ -116,7 +115,6 @@ class BitSink {
         }
     }
     void align() { used_ = bytes_.size() * 8; }
-    std::size_t bits() const { return used_; }
     Bytes take() { return std::move(bytes_); }
 
   private:
@@ -183,7 +181,9 @@ std::vector<Run> runsOf(std::span<const std::uint8_t> lengths) {
     return runs;
 }
 
-// The body of a dynamic block's header for these lengths.
+// The body of a dynamic block's header for these lengths. It is never longer than 207 bytes: what codeLengths gives
+// costs no more than 5 bits for each of the 19 symbols would, so each of the 316 lengths takes 5 bits or, in a run,
+// fewer.
 Bytes describe(const CodeTables& tables) {
     constexpr std::size_t lengthSymbols = 19;
     constexpr std::array<std::uint8_t, lengthSymbols> order{16, 17, 18, 0, 8,  7, 9,  6, 10, 5,
@@ -207,16 +207,6 @@ Bytes describe(const CodeTables& tables) {
         sink.put(run.extra, run.extraBits);
     }
     return sink.take();
-}
-
-// Nearly equal lengths for all symbols: a complete code whose description is always short.
-CodeTables flatTables() {
-    constexpr std::size_t shortLiterals = 226, shortDistances = 2;  // 226/256 + 60/512 = 2/16 + 28/32 = 1
-    CodeTables tables;
-    for (std::size_t i = 0; i < literalSymbols; ++i) tables.literalLengths[i] = i < shortLiterals ? 8 : 9;
-    for (std::size_t i = 0; i < distanceSymbols; ++i) tables.distanceLengths[i] = i < shortDistances ? 4 : 5;
-    tables.description = describe(tables);
-    return tables;
 }
 
 void putStored(BitSink& sink, std::span<const std::uint8_t> chunk) {
@@ -243,30 +233,39 @@ void putShared(BitSink& sink, std::span<const Token> tokens, const CodeTables& t
 }
 
 bool hasAllCodes(std::span<const Token> tokens, const CodeTables& tables) {
-    return std::ranges::all_of(tokens, [&](const Token& token) {
-        if (token.length == 0) return tables.literalLengths[token.literal] != 0;
-        return tables.literalLengths[lengthField(token.length).symbol] != 0 &&
-               tables.distanceLengths[distanceField(token.distance).symbol] != 0;
-    });
+    return tables.literalLengths[endOfBlock] != 0 && std::ranges::all_of(tokens, [&](const Token& token) {
+               if (token.length == 0) return tables.literalLengths[token.literal] != 0;
+               return tables.literalLengths[lengthField(token.length).symbol] != 0 &&
+                      tables.distanceLengths[distanceField(token.distance).symbol] != 0;
+           });
 }
 
-Bytes writeBlock(std::span<const std::uint8_t> chunk, const CodeTables& tables, BlockChoice choice) {
+Bytes writeBlock(std::span<const std::uint8_t> chunk, std::span<const Token> tokens, const CodeTables& tables,
+                 BlockChoice choice) {
     BitSink sink;
-    if (choice == BlockChoice::stored) {
-        putStored(sink, chunk);
-        return sink.take();
+    switch (choice) {
+        case BlockChoice::stored: putStored(sink, chunk); break;
+        case BlockChoice::fixedCodes: putFixed(sink, tokens); break;
+        case BlockChoice::sharedCodes: putShared(sink, tokens, tables); break;
+        case BlockChoice::best: break;
     }
-    const std::vector<Token> tokens = tokenize(chunk);
-    if (choice == BlockChoice::fixedCodes)
-        putFixed(sink, tokens);
-    else
-        putShared(sink, tokens, tables);
     return sink.take();
+}
+
+Bytes shortestBlock(std::span<const std::uint8_t> chunk, std::span<const Token> tokens, const CodeTables& tables) {
+    Bytes shortest = writeBlock(chunk, tokens, tables, BlockChoice::stored);
+    for (const BlockChoice choice : {BlockChoice::fixedCodes, BlockChoice::sharedCodes}) {
+        if (choice == BlockChoice::sharedCodes && !hasAllCodes(tokens, tables)) continue;
+        Bytes block = writeBlock(chunk, tokens, tables, choice);
+        if (block.size() < shortest.size()) shortest = std::move(block);
+    }
+    return shortest;
 }
 
 }  // namespace
 
 CodeTables chooseCodeTables(std::span<const std::uint8_t> data, std::size_t chunkSize) {
+    if (chunkSize == 0) throw std::invalid_argument("chunks of no bytes");
     std::array<std::uint32_t, literalSymbols> literals{};
     std::array<std::uint32_t, distanceSymbols> distances{};
     literals[endOfBlock] = 1;
@@ -285,24 +284,16 @@ CodeTables chooseCodeTables(std::span<const std::uint8_t> data, std::size_t chun
     std::ranges::copy(codeLengths(literals, longestCode), tables.literalLengths.begin());
     std::ranges::copy(codeLengths(distances, longestCode), tables.distanceLengths.begin());
     tables.description = describe(tables);
-    return tables.description.size() <= mostDescription ? tables : flatTables();
+    return tables;
 }
 
 std::vector<std::uint8_t> deflateWithTables(std::span<const std::uint8_t> chunk, const CodeTables& tables,
                                             BlockChoice choice) {
     constexpr std::size_t mostBytes = 65535;
     if (chunk.size() > mostBytes) throw std::length_error("a chunk of more than 65535 bytes");
-    Bytes block;
-    if (choice != BlockChoice::best) {
-        block = writeBlock(chunk, tables, choice);
-    } else {
-        block = writeBlock(chunk, tables, BlockChoice::stored);
-        for (const BlockChoice each : {BlockChoice::fixedCodes, BlockChoice::sharedCodes}) {
-            if (each == BlockChoice::sharedCodes && !hasAllCodes(tokenize(chunk), tables)) continue;
-            Bytes tried = writeBlock(chunk, tables, each);
-            if (tried.size() < block.size()) block = std::move(tried);
-        }
-    }
+    const std::vector<Token> tokens = tokenize(chunk);
+    const Bytes block =
+        choice == BlockChoice::best ? shortestBlock(chunk, tokens, tables) : writeBlock(chunk, tokens, tables, choice);
     const uLong checksum = adler32(adler32(0, nullptr, 0), chunk.data(), static_cast<uInt>(chunk.size()));
     ByteWriter stream;
     stream.u8(0x78).u8(0x01).bytes(block);  // deflate, a window of 32 KB

@@ -15,11 +15,11 @@ inline constexpr std::size_t distanceSymbols = 30;
 struct CodeTables {
     std::array<std::uint8_t, literalSymbols> literalLengths{};  // bits of each symbol's code; 0: it has none
     std::array<std::uint8_t, distanceSymbols> distanceLengths{};
-    std::vector<std::uint8_t> description;  // as the body of a dynamic block's header; at most 255 bytes
+    std::vector<std::uint8_t> description;  // as the body of a dynamic block's header; at most 207 bytes
 };
 
 // The tables that suit the chunks of `data` best. Every symbol that deflating them needs has a code, and all codes are
-// complete. Matches never reach from one chunk into another.
+// complete. Matches never reach from one chunk into another. Throws std::invalid_argument when the chunks' size is 0.
 CodeTables chooseCodeTables(std::span<const std::uint8_t> data, std::size_t chunkSize);
 
 // How a chunk's one block is written.

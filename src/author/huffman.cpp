@@ -2,55 +2,65 @@
 
 #include <algorithm>
 #include <array>
-#include <queue>
+#include <iterator>
 
 namespace qel::author {
 namespace {
 
-struct Node {
-    std::uint64_t weight;
-    std::size_t index;  // breaks ties, so that the same frequencies always give the same code
-    bool operator>(const Node& other) const {
-        return weight != other.weight ? weight > other.weight : index > other.index;
-    }
+constexpr std::size_t package = ~std::size_t{0};
+
+struct Item {
+    std::uint64_t weight = 0;
+    std::size_t symbol = package;  // a leaf is a symbol, a package joins two neighbours of the list below
 };
 
-// The depth of each symbol in the Huffman tree of those with a frequency.
-std::vector<unsigned> treeDepths(std::span<const std::uint32_t> frequencies) {
-    const std::size_t count = frequencies.size();
-    std::vector<std::size_t> parents(2 * count, 0);
-    std::priority_queue<Node, std::vector<Node>, std::greater<>> open;
-    for (std::size_t i = 0; i < count; ++i)
-        if (frequencies[i] > 0) open.push({frequencies[i], i});
-    std::size_t next = count;
-    while (open.size() > 1) {
-        const Node first = open.top();
-        open.pop();
-        const Node second = open.top();
-        open.pop();
-        parents[first.index] = parents[second.index] = next;
-        open.push({first.weight + second.weight, next++});
-    }
-    const std::size_t root = open.top().index;
-    std::vector<unsigned> depths(2 * count, 0);
-    for (std::size_t i = root; i-- > 0;)  // parents lie behind their children
-        if (i >= count || frequencies[i] > 0) depths[i] = depths[parents[i]] + 1;
-    depths.resize(count);
-    return depths;
+using List = std::vector<Item>;
+
+// The leaves that have a frequency, lightest first. Ties keep the symbols' order, so that the same frequencies always
+// give the same code.
+List leavesOf(std::span<const std::uint32_t> frequencies) {
+    List leaves;
+    for (std::size_t i = 0; i < frequencies.size(); ++i)
+        if (frequencies[i] > 0) leaves.push_back({.weight = frequencies[i], .symbol = i});
+    std::ranges::stable_sort(leaves, {}, &Item::weight);
+    return leaves;
+}
+
+// The items of one list paired off in order, and the leaves once more.
+List packaged(const List& below, const List& leaves) {
+    List packages;
+    for (std::size_t i = 0; i + 1 < below.size(); i += 2)
+        packages.push_back({.weight = below[i].weight + below[i + 1].weight});
+    List merged;
+    std::ranges::merge(leaves, packages, std::back_inserter(merged), {}, &Item::weight, &Item::weight);
+    return merged;
 }
 
 }  // namespace
 
+// Package-merge: each list holds the leaves and the pairs of the list below it. A symbol's length is how often it lies
+// in the 2n - 2 lightest items of the top list, packages unfolded.
 std::vector<std::uint8_t> codeLengths(std::span<const std::uint32_t> frequencies, unsigned limit) {
     std::vector<std::uint32_t> weights(frequencies.begin(), frequencies.end());
     for (std::size_t i = 0; std::ranges::count_if(weights, [](std::uint32_t w) { return w > 0; }) < 2; ++i)
         weights[i] = std::max<std::uint32_t>(weights[i], 1);
-    // Flatter weights give a shallower tree; equal weights give the shallowest.
-    for (;;) {
-        const std::vector<unsigned> depths = treeDepths(weights);
-        if (*std::ranges::max_element(depths) <= limit) return {depths.begin(), depths.end()};
-        for (std::uint32_t& weight : weights) weight = (weight + 1) / 2;
+    const List leaves = leavesOf(weights);
+    std::vector<List> lists{leaves};
+    while (lists.size() < limit) lists.push_back(packaged(lists.back(), leaves));
+
+    std::vector<std::uint8_t> lengths(frequencies.size(), 0);
+    std::size_t taken = 2 * leaves.size() - 2;
+    for (; !lists.empty(); lists.pop_back()) {
+        std::size_t takenBelow = 0;
+        for (const Item& item : std::span(lists.back()).first(taken)) {
+            if (item.symbol == package)
+                takenBelow += 2;  // packages are in the order of what they hold, so it is again a front
+            else
+                ++lengths[item.symbol];
+        }
+        taken = takenBelow;
     }
+    return lengths;
 }
 
 std::vector<std::uint16_t> canonicalCodes(std::span<const std::uint8_t> lengths) {
