@@ -141,6 +141,7 @@ void destroyInflater(Inflater& inflater) {
 
 bool keepCodeTables(Inflater& inflater, std::span<const std::uint8_t> description) {
     inflater.keptBits = 0;
+    inflater.stage = Inflater::Stage::broken;
     const std::size_t size = std::min(description.size(), Inflater::maximumDescription);
     z_stream& zlib = inflater.zlib;
     if (inflateReset(&zlib) != Z_OK || !prime(zlib, dynamicHeader, blockHeaderBits)) return false;

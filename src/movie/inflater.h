@@ -21,7 +21,7 @@ struct InflateMemory {
 
 enum class InflateStatus : std::uint8_t {
     streamEnd,    // the stream is complete and its checksum right
-    needInput,    // all input was taken and the stream goes on
+    needInput,    // all input was taken and the stream goes on; when the output is full, maybe without more input
     needOutput,   // the output is full and input is left
     broken,       // no zlib stream, or its data or checksum are wrong
     outOfMemory,  // the stream is lost
@@ -65,7 +65,7 @@ void destroyInflater(Inflater& inflater);
 
 // Parses a description (the body of a dynamic block's header, from its counts to its code lengths) and keeps it for all
 // later streams. False when it does not parse or does not lie whole in the bytes; then nothing is kept. Bytes behind it
-// are ignored.
+// are ignored. The stream at hand is lost: going on with it gives `broken`.
 bool keepCodeTables(Inflater& inflater, std::span<const std::uint8_t> description);
 
 // Later streams bring their own tables.
