@@ -62,11 +62,9 @@ bool goodStreamHeader(std::uint8_t method, std::uint8_t flags) {
     return (method & 15) == deflate && method >> 4 <= largestWindow && (method * 256u + flags) % checkModulus == 0;
 }
 
-// Hands zlib the kept header and description, the last-block bit patched. The whole bytes go as input, with no room for
-// output; the odd bits are primed.
+// Hands zlib the kept header and description. The whole bytes go as input, with no room for output; the odd bits are
+// primed. To zlib no such block is the last: it stops behind the block all the same.
 bool spliceTables(Inflater& inflater) {
-    inflater.kept[0] =
-        static_cast<std::uint8_t>((inflater.kept[0] & ~lastBlockBit) | (inflater.lastBlock ? lastBlockBit : 0));
     const std::size_t wholeBytes = inflater.keptBits / 8;
     setInput(inflater.zlib, {inflater.kept.data(), wholeBytes});
     setOutput(inflater.zlib, {});
