@@ -1,11 +1,70 @@
+// qel build: makes a movie from a readable source.
 #include <CLI/CLI.hpp>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
 
+#include "author/source_movie.h"
 #include "cli/command_line.h"
 
 namespace qel::cli {
+namespace {
+
+struct BuildOptions {
+    std::string source, output;
+    bool compressed = false;
+};
+
+bool readText(const std::string& path, std::string& text) {
+    std::ifstream file(path, std::ios::binary);
+    text.assign(std::istreambuf_iterator<char>(file), {});
+    return file.is_open() && !file.bad() && !std::filesystem::is_directory(path);
+}
+
+bool writeFile(const std::string& path, const author::Bytes& bytes) {
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    file.close();
+    return file.good();
+}
+
+int build(const BuildOptions& options) {
+    std::string source;
+    if (!readText(options.source, source)) {
+        std::cerr << "qel build: " << options.source << ": cannot be read\n";
+        return badUsage;
+    }
+    try {
+        author::Bytes bytes = visFile(author::buildMovie(source));
+        if (options.compressed || options.output.ends_with(".zvis")) bytes = author::zvisFile(bytes);
+        if (writeFile(options.output, bytes)) return success;
+        std::cerr << "qel build: " << options.output << ": cannot be written\n";
+        return badUsage;
+    } catch (const author::SourceError& error) {
+        std::cerr << options.source << ":" << error.line << ": " << error.field << (error.field.empty() ? "" : ": ")
+                  << error.what() << "\n";
+    } catch (const std::exception& error) {
+        std::cerr << options.source << ": " << error.what() << "\n";
+    }
+    return failed;
+}
+
+}  // namespace
 
 void addBuildCommand(CLI::App& app, int& status) {
-    app.add_subcommand("build")->callback([&status] { status = failed; });
+    auto options = std::make_shared<BuildOptions>();
+    CLI::App* command = app.add_subcommand("build", "Build a movie from a readable source (see docs/movie-source.md)");
+    command->add_option("SOURCE", options->source, "movie source: JSON with comments")->required();
+    command->add_option("-o,--output", options->output, "file to write; a name in .zvis makes a compressed movie")
+        ->required();
+    command->add_flag("--zvis", options->compressed, "write a compressed movie whatever the file is called");
+    command->footer(
+        "Exit status: 0 built; 1 the source is broken (the message names its line and field); 2 bad usage, or a file "
+        "that cannot be read or written.");
+    command->callback([options, &status] { status = build(*options); });
 }
 
 }  // namespace qel::cli
