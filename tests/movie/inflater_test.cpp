@@ -184,7 +184,7 @@ Bytes describe(const Bytes& literals, const Bytes& distances) {
     sink.put(literals.size() - 257, 5);
     sink.put(distances.size() - 1, 5);
     sink.put(15, 4);
-    for (const unsigned symbol : {16, 17, 18, 0, 8, 7, 9, 6, 10, 5, 11, 4, 12, 3, 13, 2, 14, 1, 15})
+    for (const int symbol : {16, 17, 18, 0, 8, 7, 9, 6, 10, 5, 11, 4, 12, 3, 13, 2, 14, 1, 15})
         sink.put(symbol < 16 ? 4 : 0, 3);
     const Bytes four(16, 4);
     for (const std::uint8_t length : literals) sink.put(four, length);
