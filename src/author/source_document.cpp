@@ -76,7 +76,10 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
         return true;
     }
     bool parse_error(std::size_t, const std::string& lastToken, const nlohmann::json::exception&) override {
-        throw SourceError(position_.visibleLine, "", "not understood near \"" + lastToken.substr(0, 40) + "\"");
+        const bool atEnd = lastToken.empty();
+        throw SourceError(
+            position_.visibleLine, "",
+            atEnd ? "the text ends too early" : "not understood near \"" + lastToken.substr(0, 40) + "\"");
     }
 
   private:
