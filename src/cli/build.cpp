@@ -1,10 +1,8 @@
 // qel build: makes a movie from a readable source.
 #include <CLI/CLI.hpp>
 #include <exception>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <memory>
 
 #include "author/source_movie.h"
@@ -18,10 +16,19 @@ struct BuildOptions {
     bool compressed = false;
 };
 
+// False, with the reason said, when there is no such text or it is too long to be one.
 bool readText(const std::string& path, std::string& text) {
     std::ifstream file(path, std::ios::binary);
-    text.assign(std::istreambuf_iterator<char>(file), {});
-    return file.is_open() && !file.bad() && !std::filesystem::is_directory(path);
+    constexpr std::size_t blockBytes = 64 * 1024, mostBytes = 64 * 1024 * 1024;
+    while (file && text.size() <= mostBytes) {
+        const std::size_t before = text.size();
+        text.resize(before + blockBytes);
+        file.read(text.data() + before, blockBytes);
+        text.resize(before + static_cast<std::size_t>(file.gcount()));
+    }
+    const bool whole = file.eof() && !file.bad();
+    if (!whole) std::cerr << "qel build: " << path << (file ? ": larger than 64 MiB\n" : ": cannot be read\n");
+    return whole;
 }
 
 bool writeFile(const std::string& path, const author::Bytes& bytes) {
@@ -33,10 +40,7 @@ bool writeFile(const std::string& path, const author::Bytes& bytes) {
 
 int build(const BuildOptions& options) {
     std::string source;
-    if (!readText(options.source, source)) {
-        std::cerr << "qel build: " << options.source << ": cannot be read\n";
-        return badUsage;
-    }
+    if (!readText(options.source, source)) return badUsage;
     try {
         author::Bytes bytes = visFile(author::buildMovie(source));
         if (options.compressed || options.output.ends_with(".zvis")) bytes = author::zvisFile(bytes);

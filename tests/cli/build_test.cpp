@@ -1,0 +1,128 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "cli/command_line.h"
+#include "support/playback.h"
+
+namespace qel::cli {
+namespace {
+
+using author::Bytes;
+namespace files = std::filesystem;
+
+const files::path home = QEL_SOURCE_DIR;
+
+// A directory of its own for each test.
+struct BuildCommand : testing::Test {
+    files::path place = files::temp_directory_path() / (std::string("qel_build_test_") +
+                                                        testing::UnitTest::GetInstance()->current_test_info()->name());
+    BuildCommand() {
+        files::remove_all(place);
+        files::create_directory(place);
+    }
+    ~BuildCommand() override { files::remove_all(place); }
+
+    std::string source(const std::string& text) const {
+        std::ofstream(place / "movie.json", std::ios::binary) << text;
+        return (place / "movie.json").string();
+    }
+    std::string output(const char* name) const { return (place / name).string(); }
+};
+
+std::string textOf(const files::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+Bytes bytesOf(const files::path& path) {
+    const std::string text = textOf(path);
+    return {text.begin(), text.end()};
+}
+
+struct Outcome {
+    int status;
+    std::string errors;
+};
+
+Outcome build(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"qel", "build"});
+    std::vector<const char*> pointers;
+    for (const std::string& argument : arguments) pointers.push_back(argument.c_str());
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    const int status = runCommandLine(static_cast<int>(pointers.size()), pointers.data());
+    testing::internal::GetCapturedStdout();
+    return {status, testing::internal::GetCapturedStderr()};
+}
+
+// The first text between ```json and ``` on a page.
+std::string exampleOn(const files::path& page) {
+    const std::string text = textOf(page), fence = "```json\n";
+    const std::size_t begin = text.find(fence);
+    if (begin == std::string::npos) return "";
+    return text.substr(begin + fence.size(), text.find("```", begin + fence.size()) - begin - fence.size());
+}
+
+TEST_F(BuildCommand, MakesAMovieThatShowsWhatItsSourceSays) {
+    const std::string path = source(R"({"stage": [8, 6], "background": "#ffffff", "characters": {
+        "dot": {"shape": [{"path": "M 0 0 h 2 v 3 h -2 Z", "fill": "#ff0000"}]}},
+        "frames": [{"place": {"d": {"character": "dot", "x": 1, "y": 1}}}, {"move": {"d": {"x": 5}}}]})");
+    for (const char* name : {"movie.vis", "movie.zvis"}) {
+        ASSERT_EQ(build({path, "-o", output(name)}).status, success);
+        const test::Playback playback = test::play(bytesOf(output(name)));
+        EXPECT_TRUE(playback.finished()) << name;
+        ASSERT_EQ(playback.frames.size(), 2u) << name;
+        const std::vector<std::pair<std::uint16_t, char>> letters{{0xF800, '#'}, {0xFFFF, '.'}};
+        EXPECT_EQ(test::sketch(playback.frames[1], letters),
+                  "........\n.....##.\n.....##.\n.....##.\n........\n........\n")
+            << name;
+    }
+    EXPECT_EQ(textOf(output("movie.zvis")).substr(0, 4), "ZVIS");
+    ASSERT_EQ(build({path, "--zvis", "-o", output("plain")}).status, success);
+    EXPECT_EQ(bytesOf(output("plain")), bytesOf(output("movie.zvis")));
+}
+
+TEST_F(BuildCommand, BuildsWhatTheProjectShows) {
+    const struct {
+        const char* name;
+        std::string text;
+        std::size_t frames;
+    } cases[] = {{"the page about sources", exampleOn(home / "docs/movie-source.md"), 100},
+                 {"hello.json", textOf(home / "examples/hello.json"), 50},
+                 {"demo.json", textOf(home / "examples/demo.json"), 300}};
+    for (const auto& each : cases) {
+        const Outcome outcome = build({source(each.text), "-o", output("movie.vis")});
+        ASSERT_EQ(outcome.status, success) << each.name << outcome.errors;
+        const test::Playback playback = test::play(bytesOf(output("movie.vis")));
+        EXPECT_TRUE(playback.finished()) << each.name;
+        ASSERT_EQ(playback.frames.size(), each.frames) << each.name;
+        EXPECT_NE(playback.frames[0], playback.frames[each.frames / 2]) << each.name;
+    }
+}
+
+TEST_F(BuildCommand, NamesFileLineAndFieldOfAMistake) {
+    const std::string path = source("{ \"stage\": [8, 6],\n  \"frames\": [ {},\n    { \"hold\": 0 } ] }\n");
+    const Outcome outcome = build({path, "-o", output("movie.vis")});
+    EXPECT_EQ(outcome.status, failed);
+    EXPECT_EQ(outcome.errors, path + ":3: frames/1/hold: a whole number from 1 to 65535 belongs here\n");
+    EXPECT_FALSE(files::exists(output("movie.vis")));
+}
+
+TEST_F(BuildCommand, TellsFilesThatCannotBeHadFromBrokenSources) {
+    const std::string good = source(R"({"stage": [8, 6], "frames": [{}]})");
+    const std::vector<std::string> cases[] = {{output("missing.json"), "-o", output("movie.vis")},
+                                              {place.string(), "-o", output("movie.vis")},
+                                              {good, "-o", output("missing/movie.vis")},
+                                              {good}};
+    for (const auto& arguments : cases) {
+        const Outcome outcome = build(arguments);
+        EXPECT_EQ(outcome.status, badUsage) << arguments[0];
+        EXPECT_NE(outcome.errors, "") << arguments[0];
+    }
+}
+
+}  // namespace
+}  // namespace qel::cli
