@@ -1,0 +1,40 @@
+// Any bytes through the whole player, as a host plays them: every frame is kept whole, playback has to end, and nothing
+// may be left behind. The first byte chooses how it is played, the rest is the content.
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "host/headless_run.h"
+
+namespace {
+
+// Sees that every block of the general heap comes back.
+struct Balance : qel::SessionObserver {
+    std::int64_t blocks = 0;
+    void serviceCalled(const qel::ServiceCall& call) override {
+        if (const auto* allocated = std::get_if<qel::calls::Allocate>(&call)) blocks += allocated->result ? 1 : 0;
+        if (std::holds_alternative<qel::calls::Free>(call)) --blocks;
+    }
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace qel;
+    if (size == 0) return 0;
+    const std::uint8_t how = data[0];
+    HeadlessPlatform platform;
+    platform.provideContent("content", std::vector<std::uint8_t>(data + 1, data + size));
+    Balance balance;
+    SessionOptions options;
+    options.player.loop = (how & 1) != 0;
+    options.player.budget = (how & 2) != 0 ? 20000 : 307200;
+    options.maximumFrames = 40;
+    if ((how & 4) != 0) options.faults.failedAllocations = {std::uint64_t{how} >> 3};
+    Session session(platform, options, &balance);
+    Schedule schedule;
+    schedule.endAtMs = 20000;
+    if (session.open("content") == OpenResult::opened) runToEnd(session, platform, schedule);
+    if (balance.blocks != 0) __builtin_trap();
+    return 0;
+}
