@@ -93,6 +93,7 @@ struct Movie {
     RenderContext render;
     RedrawRegion changedAreas;
     bool fullRedraw = true;
+    bool attachFailed = false;  // memory ran out while objects were fitted to a new frame buffer: playback ends
     DisplayObject* drawingAt = nullptr;  // the object that is drawn next; null: none is left
     PlacementNumber nextPlacement;       // of the root timeline
     DisplayList root;

@@ -71,7 +71,7 @@ LoadStatus* feedMovie(Movie& movie, std::span<const std::uint8_t> bytes) {
         movie.reader = ContentReader(bytes);
         movie.position = movie.loadStatus.offset;
     }
-    const Result result = runPhase(movie, bytes);
+    const Result result = movie.attachFailed ? Result::outOfMemory : runPhase(movie, bytes);
     if (failed(result)) answerFailure(movie, result);
     return &movie.loadStatus;
 }
@@ -107,6 +107,8 @@ void attachMovieFrameBuffer(Movie& movie, std::uint16_t* pixels, std::uint16_t w
     const bool hasStage = stageWidth != 0 && stageHeight != 0;
     movie.stageToScreen =
         hasStage ? stageToScreen(stageWidth, stageHeight, width, height, movie.header.fitToScreen) : identityMatrix;
+    for (DisplayObject* object = movie.root.first; object; object = object->next)
+        if (failed(transformObject(movie, *object))) movie.attachFailed = true;
 }
 
 }  // namespace qel

@@ -76,6 +76,8 @@ Result startPlay(Movie& movie) {
 Result rewindMovie(Movie& movie) {
     clearList(movie.root);
     clearList(movie.rootKept);
+    movie.nextPlacement = {};
+    movie.drawingAt = nullptr;
     movie.keys.clear();
     freeCharacters(movie.dictionary);
     enterPass(movie);

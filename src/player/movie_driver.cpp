@@ -191,7 +191,7 @@ std::int32_t requestStop(PlayerInstance& player) {
 }
 
 std::int32_t pause(PlayerInstance& player) {
-    services(player).cancelTimer(*player.host);
+    if (player.timerArmed) services(player).cancelTimer(*player.host);
     player.timerArmed = false;
     player.paused = true;
     resynchroniseMovieClock(*player.movie);
