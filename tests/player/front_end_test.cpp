@@ -195,6 +195,37 @@ TEST(FrontEnd, EndsAtOnceWhenItIsDestroyedFromInsideAnEvent) {
     }
 }
 
+TEST(FrontEnd, FitsWhatIsPlacedToANewFrameBuffer) {
+    HeadlessPlatform platform;
+    platform.provideContent("content", visFile(threeFrames()));
+    std::vector<std::uint16_t> larger(16 * 16 * 2);
+    struct Attacher : SessionObserver {
+        std::uint32_t widths[3] = {};
+        int frames = 0;
+        void eventRaised(const EventNotice& notice) override {
+            if (notice.event != HostEvent::presentFrame || frames == 3) return;
+            widths[frames++] = reinterpret_cast<const FrameRecord*>(notice.value)->width;
+        }
+    } attacher;
+    Session session(platform, {}, &attacher);
+    ASSERT_EQ(session.open("content"), OpenResult::opened);
+    while (attacher.frames < 1) {
+        platform.jumpTo(*platform.timerDueUs());
+        session.timerFired();
+    }
+    playerAttachFrameBuffer(*session.context().player, larger.data(), 16, 16);
+    while (attacher.frames < 2) {
+        platform.jumpTo(*platform.timerDueUs());
+        session.timerFired();
+    }
+    EXPECT_EQ(attacher.widths[1], 16u);
+    // The stage lies in the middle at its own size, so the square that the second frame moves to (2, 2) stands at (6,
+    // 6).
+    EXPECT_EQ(larger[6 * 16 + 6], red);
+    EXPECT_EQ(larger[5 * 16 + 5], white);
+    EXPECT_EQ(larger[10 * 16 + 10], white);
+}
+
 TEST(FrontEnd, AStopEndsPlaybackByItsOwnEvent) {
     PlayOptions options;
     options.session.player.loop = true;
