@@ -4,6 +4,7 @@
 
 #include "movie/movie.h"
 #include "movie/record_header.h"
+#include "movie/section.h"
 
 namespace qel {
 namespace {
@@ -29,7 +30,7 @@ void askForMore(Movie& movie, std::uint32_t offset) {
 }  // namespace
 
 Result scanDefinition(Movie& movie) {
-    const std::uint32_t offset = movie.position + static_cast<std::uint32_t>(movie.reader.cursor());
+    const std::uint32_t offset = readerOffset(movie);
     if (movie.reader.available(1) && ContentReader(movie.reader).u8() == static_cast<std::uint8_t>(RecordType::end))
         return requestFrameBuffer(movie);
     ScannedRecord scanned;

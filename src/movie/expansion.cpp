@@ -1,6 +1,7 @@
 #include "movie/expansion.h"
 
 #include "movie/movie.h"
+#include "movie/section.h"
 #include "player/engine_services.h"
 
 namespace qel {
@@ -62,7 +63,7 @@ Result completeChunk(Movie& movie, std::uint32_t compressedLength) {
 
 // All fed bytes are used up: what comes behind them.
 Result askForNextBytes(Movie& movie) {
-    askForBytes(movie, movie.position + static_cast<std::uint32_t>(movie.reader.cursor()));
+    askForBytes(movie, readerOffset(movie));
     return Result::done;
 }
 

@@ -8,6 +8,7 @@
 #include "movie/leading_records.h"
 #include "movie/movie.h"
 #include "movie/record_header.h"
+#include "movie/section.h"
 #include "movie/start_of_play.h"
 #include "player/engine_services.h"
 
@@ -20,7 +21,7 @@ Result wholeRecord(Movie& movie, RecordHeader& header) {
     ContentReader ahead = movie.reader;
     if (readRecordHeader(ahead, header) && ahead.available(header.bodyLength)) return Result::done;
     if (movie.reader.cursor() == 0 && movie.reader.left() == PlayerInstance::chunkSize) return Result::badContent;
-    askForBytes(movie, movie.position + static_cast<std::uint32_t>(movie.reader.cursor()));
+    askForBytes(movie, readerOffset(movie));
     return Result::nothing;
 }
 
@@ -50,7 +51,7 @@ Result enterNextRecord(Movie& movie, std::uint8_t previous) {
     movie.awaitsRecord = !movie.reader.available(1);
     movie.previousRecord = previous;
     if (movie.awaitsRecord) {
-        askForBytes(movie, movie.position + static_cast<std::uint32_t>(movie.reader.cursor()));
+        askForBytes(movie, readerOffset(movie));
         return Result::done;
     }
     const std::uint8_t type = ContentReader(movie.reader).u8();
@@ -79,37 +80,26 @@ Result readHeader(Movie& movie) {
     return enterNextRecord(movie, 0);
 }
 
-// Collects a directory that the fed bytes hold only in part. `nothing`: more bytes were asked for.
-Result collectDirectory(Movie& movie) {
-    const std::size_t missing = movie.sectionLength - movie.section.size();
-    for (const std::uint8_t byte : movie.reader.take(std::min(missing, movie.reader.left())))
-        movie.section.appendReserved(byte);
-    if (movie.section.size() == movie.sectionLength) return Result::done;
-    askForBytes(movie, movie.position + static_cast<std::uint32_t>(movie.reader.cursor()));
-    return Result::nothing;
-}
-
-Result finishDirectory(Movie& movie, ContentReader body) {
+Result parseDirectory(Movie& movie, ContentReader body) {
     const Result read = readCharacterDirectory(body, movie.dictionary);
-    movie.section.clear();
-    movie.sectionLength = 0;
     return failed(read) ? read : enterNextRecord(movie, static_cast<std::uint8_t>(RecordType::characterDirectory));
 }
 
 Result readDirectory(Movie& movie) {
-    if (movie.sectionLength == 0) {
+    if (!isCollecting(movie)) {
         RecordHeader header;
         if (!readRecordHeader(movie.reader, header)) {
-            askForBytes(movie, movie.position + static_cast<std::uint32_t>(movie.reader.cursor()));
+            askForBytes(movie, readerOffset(movie));
             return Result::done;
         }
         if (movie.reader.available(header.bodyLength))
-            return finishDirectory(movie, movie.reader.section(header.bodyLength));
-        if (failed(movie.section.reserve(movie.pool, header.bodyLength))) return Result::outOfMemory;
-        movie.sectionLength = header.bodyLength;
+            return parseDirectory(movie, movie.reader.section(header.bodyLength));
+        if (failed(beginSection(movie, header.bodyLength))) return Result::outOfMemory;
     }
-    const Result collected = collectDirectory(movie);
-    return collected == Result::done ? finishDirectory(movie, ContentReader(movie.section.span())) : collected;
+    const Result collected = collectSection(movie);
+    if (collected != Result::done) return collected;
+    const PoolArray<std::uint8_t> body = takeSection(movie);
+    return parseDirectory(movie, ContentReader(body.span()));
 }
 
 // A record that is parsed in place, then the next one.
@@ -131,7 +121,7 @@ Result readProperties(Movie& movie) {
     const Result result = readMovieProperties(movie, movie.reader.section(header.bodyLength));
     if (failed(result)) return result;
     if (failed(sizeDictionary(movie.dictionary, movie.header.dictionarySize))) return Result::outOfMemory;
-    movie.firstFramePosition = movie.position + static_cast<std::uint32_t>(movie.reader.cursor());
+    movie.firstFramePosition = readerOffset(movie);
     movie.state.enter(Phase::load, LoadStep::definitions);
     return movie.header.scanDefinitions ? scanDefinition(movie) : requestFrameBuffer(movie);
 }

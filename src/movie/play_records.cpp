@@ -5,6 +5,7 @@
 
 #include "movie/movie.h"
 #include "movie/record_header.h"
+#include "movie/section.h"
 #include "movie/structures.h"
 #include "movie/timeline.h"
 
@@ -13,10 +14,6 @@ namespace {
 
 // How reading goes on behind a record.
 enum class Next { record, status };
-
-std::uint32_t readerOffset(const Movie& movie) {
-    return movie.position + static_cast<std::uint32_t>(movie.reader.cursor());
-}
 
 Result playFrameRecord(Movie& movie, ContentReader body, std::uint32_t bodyOffset) {
     const Result played = playRootFrame(movie, body, bodyOffset);
@@ -28,16 +25,10 @@ Result playFrameRecord(Movie& movie, ContentReader body, std::uint32_t bodyOffse
 
 // A frame record larger than a chunk is collected from as many as it takes.
 Result collectFrame(Movie& movie) {
-    const std::size_t missing = movie.sectionLength - movie.section.size();
-    for (const std::uint8_t byte : movie.reader.take(std::min(missing, movie.reader.left())))
-        movie.section.appendReserved(byte);
-    if (movie.section.size() < movie.sectionLength) {
-        askForBytes(movie, readerOffset(movie));
-        return Result::done;
-    }
-    PoolArray<std::uint8_t> frame = std::move(movie.section);
-    movie.sectionLength = 0;
-    return playFrameRecord(movie, ContentReader(frame.span()), movie.sectionOffset);
+    const Result collected = collectSection(movie);
+    if (collected != Result::done) return collected;
+    const PoolArray<std::uint8_t> body = takeSection(movie);
+    return playFrameRecord(movie, ContentReader(body.span()), movie.sectionOffset);
 }
 
 Result takeFrame(Movie& movie, const RecordHeader& header) {
@@ -54,10 +45,8 @@ Result takeFrame(Movie& movie, const RecordHeader& header) {
         askForBytes(movie, readerOffset(movie));
         return Result::done;
     }
-    if (failed(movie.section.reserve(movie.pool, header.bodyLength))) return Result::outOfMemory;
-    movie.sectionLength = header.bodyLength;
-    movie.sectionOffset = bodyOffset;
     movie.reader = ahead;
+    if (failed(beginSection(movie, header.bodyLength))) return Result::outOfMemory;
     return collectFrame(movie);
 }
 
@@ -135,7 +124,7 @@ Result takeRecord(Movie& movie, Next& next) {
 }  // namespace
 
 Result playRecords(Movie& movie) {
-    if (movie.sectionLength != 0) return collectFrame(movie);
+    if (isCollecting(movie)) return collectFrame(movie);
     if (static_cast<PlayStep>(movie.state.step) == PlayStep::stoppedRoot) {
         const Result stepped = stepClips(movie);
         if (failed(stepped)) return stepped;
