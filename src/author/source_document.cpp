@@ -40,7 +40,6 @@ class CountingIterator {
         return before;
     }
     friend bool operator==(const CountingIterator& a, const CountingIterator& b) { return a.at_ == b.at_; }
-    friend bool operator!=(const CountingIterator& a, const CountingIterator& b) { return a.at_ != b.at_; }
 
   private:
     const char* at_;
@@ -89,7 +88,7 @@ class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
             SourceValue& parent = *open_.back();
             const bool inList = parent.kind == SourceValue::Kind::list;
             const std::string name = inList ? std::to_string(parent.items.size()) : key_;
-            value = inList ? &parent.items.emplace_back() : &parent.members.emplace_back(key_, SourceValue{}).second;
+            value = inList ? &parent.items.emplace_back() : &parent.members.emplace_back(SourceMember{key_, {}}).value;
             value->field = parent.field.empty() ? name : parent.field + "/" + name;
         }
         value->kind = kind;
@@ -137,9 +136,8 @@ void expect(const SourceValue& value, SourceValue::Kind kind) {
 }  // namespace
 
 const SourceValue* SourceValue::find(std::string_view name) const {
-    const auto found =
-        std::ranges::find(members, name, [](const auto& member) { return std::string_view(member.first); });
-    return found == members.end() ? nullptr : &found->second;
+    const auto found = std::ranges::find(members, name, &SourceMember::name);
+    return found == members.end() ? nullptr : &found->value;
 }
 
 void fail(const SourceValue& value, const std::string& message) { throw SourceError(value.line, value.field, message); }
@@ -181,7 +179,7 @@ const std::vector<SourceValue>& listOf(const SourceValue& value) {
     return value.items;
 }
 
-const std::vector<std::pair<std::string, SourceValue>>& membersOf(const SourceValue& value) {
+const std::vector<SourceMember>& membersOf(const SourceValue& value) {
     expect(value, SourceValue::Kind::object);
     return value.members;
 }

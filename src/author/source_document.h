@@ -19,6 +19,8 @@ struct SourceError : std::runtime_error {
         : std::runtime_error(message), line(itsLine), field(std::move(itsField)) {}
 };
 
+struct SourceMember;
+
 struct SourceValue {
     enum class Kind : std::uint8_t { null, boolean, number, text, list, object };
 
@@ -28,10 +30,15 @@ struct SourceValue {
     bool boolean = false;
     double number = 0;
     std::string text;
-    std::vector<SourceValue> items;                            // of a list
-    std::vector<std::pair<std::string, SourceValue>> members;  // of an object, in the order of the source
+    std::vector<SourceValue> items;     // of a list
+    std::vector<SourceMember> members;  // of an object, in the order of the source
 
     const SourceValue* find(std::string_view name) const;  // a member, or null
+};
+
+struct SourceMember {
+    std::string name;
+    SourceValue value;
 };
 
 [[noreturn]] void fail(const SourceValue& value, const std::string& message);
@@ -45,7 +52,7 @@ bool booleanOf(const SourceValue& value);
 double numberOf(const SourceValue& value);
 std::int64_t integerOf(const SourceValue& value, std::int64_t least, std::int64_t most);
 const std::vector<SourceValue>& listOf(const SourceValue& value);
-const std::vector<std::pair<std::string, SourceValue>>& membersOf(const SourceValue& value);
+const std::vector<SourceMember>& membersOf(const SourceValue& value);
 const SourceValue& memberOf(const SourceValue& object, std::string_view name);  // one that must be there
 std::uint32_t colourOf(const SourceValue& value);                               // "#rrggbb"
 struct SourcePaint {

@@ -1,5 +1,5 @@
-// The qel command: one subcommand a file. Each registers itself with its options and, when it was chosen, leaves its exit
-// status behind.
+// The qel command: one subcommand a file. Each registers itself with its options and, when it was chosen, leaves its
+// exit status behind.
 #pragma once
 
 namespace CLI {

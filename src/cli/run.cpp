@@ -41,6 +41,7 @@ class RunObserver : public SessionObserver {
         std::snprintf(name, sizeof name, "frame-%06llu.%s", ++frames_, options_.format.c_str());
         const std::string path = (std::filesystem::path(options_.framesDirectory) / name).string();
         const Picture picture = copyFrame(*reinterpret_cast<const FrameRecord*>(notice.value));
+        if (picture.width == 0 || picture.height == 0) return;  // a stage of no size has no picture
         if (!(options_.format == "png" ? writePng(path, picture) : writeRaw(path, picture))) failedPath_ = path;
     }
     void serviceCalled(const ServiceCall& call) override { report_.serviceCalled(call); }

@@ -79,10 +79,10 @@ class MemoryFile : public File {
 }  // namespace
 
 std::unique_ptr<File> openLocalFile(const std::string& path) {
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // a pipe must not hold us up
     if (descriptor < 0) return nullptr;
     struct stat about = {};
-    if (::fstat(descriptor, &about) != 0 || S_ISDIR(about.st_mode)) {
+    if (::fstat(descriptor, &about) != 0 || !S_ISREG(about.st_mode)) {
         ::close(descriptor);
         return nullptr;
     }

@@ -20,6 +20,7 @@ Session::Session(Platform& platform, SessionOptions options, SessionObserver* ob
 Session::~Session() { end(); }
 
 OpenResult Session::open(const std::string& path) {
+    if (operating_) return OpenResult::refused;
     end();
     resetHostContext(context_);
     ending_ = {};
@@ -29,7 +30,14 @@ OpenResult Session::open(const std::string& path) {
     context_.instanceMemory = instanceMemory_.get();
     context_.contentFile = platform_.openContent(path);
     if (context_.contentFile == invalidFile) return OpenResult::cannotOpen;
+    operating_ = true;  // an end() from inside a service waits until the player is there
     context_.player = createPlayer(context_, instanceMemory_.get(), options_.player, &Session::hostCallback);
+    operating_ = false;
+    if (leaving_) {
+        if (context_.player) destroyPlayer(*context_.player);
+        finishEnding();
+        return OpenResult::refused;
+    }
     if (!context_.player) {
         closeFiles();
         resetHostContext(context_);

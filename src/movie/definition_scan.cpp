@@ -41,10 +41,9 @@ Result scanDefinition(Movie& movie) {
 
     const std::uint64_t next = std::uint64_t{offset} + scanned.header.length();
     if (next > std::numeric_limits<std::uint32_t>::max()) return Result::badContent;
-    const bool defines = scanned.id != noCharacter;
-    if (defines)
-        registerCharacter(movie.dictionary, scanned.id, definedKind(scanned.header.type), offset,
-                          static_cast<std::uint32_t>(scanned.header.length()));
+    const bool defines =
+        scanned.id != noCharacter && registerCharacter(movie.dictionary, scanned.id, definedKind(scanned.header.type),
+                                                       offset, static_cast<std::uint32_t>(scanned.header.length()));
     askForBytes(movie, static_cast<std::uint32_t>(next), defines ? afterDefinition : afterSkipped);
     return Result::done;
 }

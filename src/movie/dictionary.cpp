@@ -56,13 +56,14 @@ Result sizeDictionary(CharacterDictionary& dictionary, std::uint16_t count) {
     return dictionary.entries.assignZeros(*dictionary.pool, count);
 }
 
-void registerCharacter(CharacterDictionary& dictionary, std::uint16_t id, CharacterKind kind, std::uint32_t offset,
+bool registerCharacter(CharacterDictionary& dictionary, std::uint16_t id, CharacterKind kind, std::uint32_t offset,
                        std::uint32_t length) {
     DictionaryEntry* entry = findEntry(dictionary, id);
-    if (!entry || entry->length != 0) return;
+    if (!entry || entry->length != 0) return false;
     entry->offset = offset;
     entry->length = length;
     entry->kind = kind;
+    return true;
 }
 
 Lookup lookupCharacter(CharacterDictionary& dictionary, std::uint16_t id) {

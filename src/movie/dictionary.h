@@ -37,7 +37,8 @@ Result sizeDictionary(CharacterDictionary& dictionary, std::uint16_t count);
 
 // Registers a definition without decoding it. Of definitions with one identifier the first counts; identifiers outside
 // the table are passed over.
-void registerCharacter(CharacterDictionary& dictionary, std::uint16_t id, CharacterKind kind, std::uint32_t offset,
+// True when this definition is the one that counts.
+bool registerCharacter(CharacterDictionary& dictionary, std::uint16_t id, CharacterKind kind, std::uint32_t offset,
                        std::uint32_t length);
 
 // A looked-up character: none when the identifier names nothing that can be had. `result` tells why.

@@ -41,6 +41,7 @@ InflateProgress expandPart(Movie& movie, std::span<const std::uint8_t> compresse
 Result completeChunk(Movie& movie, std::uint32_t compressedLength) {
     Expansion& expansion = *movie.expansion;
     const InflateProgress progress = expandPart(movie, movie.reader.take(compressedLength));
+    if (progress.status == InflateStatus::outOfMemory) return Result::outOfMemory;
     const bool exact = progress.status == InflateStatus::streamEnd && progress.consumed == compressedLength &&
                        expansion.produced == dueLength(expansion);
     if (!exact) return Result::badContent;
@@ -105,6 +106,7 @@ Result expandChunk(Movie& movie) {
     if (size <= fed) return completeChunk(movie, size);
 
     const InflateProgress progress = expandPart(movie, reader.take(fed));
+    if (progress.status == InflateStatus::outOfMemory) return Result::outOfMemory;
     const bool wantsMore = progress.status != InflateStatus::streamEnd && progress.status != InflateStatus::broken &&
                            progress.consumed == fed;
     if (!wantsMore) return Result::badContent;

@@ -74,7 +74,10 @@ Result readProperty(Movie& movie, PropertyType type, ContentReader body) {
         case PropertyType::commands: return readCommands(body, movie.heap, movie.globalCommands);
         case PropertyType::keyFrameIndex: return readKeyFrameIndex(body, movie.pool, movie.scripts);
         case PropertyType::frameLabels: return readLabels(body, movie.pool, movie.scripts);
-        case PropertyType::reserved52: body.ub(3); return header.reserved52.assign(movie.pool, body.take(body.u16()));
+        case PropertyType::reserved52:
+            body.ub(3);
+            if (failed(header.reserved52.assign(movie.pool, body.take(body.u16())))) return Result::outOfMemory;
+            break;
         case PropertyType::frameCount: header.frameCount = body.u16(); break;
         case PropertyType::background:
             header.hasBackground = true;

@@ -29,8 +29,9 @@ Movie::Movie(PlayerInstance& itsPlayer, std::uint32_t budget)
 }
 
 Movie::~Movie() {
+    if (!inflaterReady) return;  // it never came to play
     stopSounds(*this);
-    if (inflaterReady) destroyInflater(inflater);
+    destroyInflater(inflater);
 }
 
 }  // namespace qel

@@ -72,6 +72,7 @@ struct Movie {
     PoolArray<std::uint8_t> section;  // a record that did not fit one chunk, as it is collected
     std::uint32_t sectionLength = 0;  // of that record; 0: nothing is being collected
     std::uint32_t sectionOffset = 0;  // of that record in the content
+    std::uint8_t sectionType = 0;     // of that record, on the timeline
 
     // Loading.
     PoolPtr<Expansion> expansion;

@@ -29,9 +29,13 @@ Verdict paceAtFixedRate(Movie& movie, std::uint32_t duration) {
     constexpr std::uint32_t mostSlack = 200;  // milliseconds
     Pacing& pacing = movie.pacing;
     const std::uint32_t now = tickCount(*movie.player);
-    if (pacing.resynchronise || pacing.firstFrame) {
+    if (pacing.resynchronise) {
         pacing.resynchronise = false;
         pacing.deadline = now + duration;
+        return Verdict::draw;
+    }
+    if (pacing.firstFrame) {  // of a later pass: shown at once, and the deadlines go on
+        pacing.deadline += duration;
         return Verdict::draw;
     }
     const std::uint32_t slack = std::min(duration / 3, mostSlack);

@@ -23,34 +23,7 @@ Result playFrameRecord(Movie& movie, ContentReader body, std::uint32_t bodyOffse
     return Result::done;
 }
 
-// A frame record larger than a chunk is collected from as many as it takes.
-Result collectFrame(Movie& movie) {
-    const Result collected = collectSection(movie);
-    if (collected != Result::done) return collected;
-    const PoolArray<std::uint8_t> body = takeSection(movie);
-    return playFrameRecord(movie, ContentReader(body.span()), movie.sectionOffset);
-}
-
-Result takeFrame(Movie& movie, const RecordHeader& header) {
-    ContentReader ahead = movie.reader;
-    ahead.skip(header.headerLength);
-    const std::uint32_t bodyOffset = readerOffset(movie) + header.headerLength;
-    if (ahead.available(header.bodyLength)) {
-        const ContentReader body = ahead.section(header.bodyLength);
-        movie.reader = ahead;
-        return playFrameRecord(movie, body, bodyOffset);
-    }
-    const bool fillsChunk = movie.reader.cursor() == 0 && movie.reader.left() == PlayerInstance::chunkSize;
-    if (!fillsChunk) {
-        askForBytes(movie, readerOffset(movie));
-        return Result::done;
-    }
-    movie.reader = ahead;
-    if (failed(beginSection(movie, header.bodyLength))) return Result::outOfMemory;
-    return collectFrame(movie);
-}
-
-// Records that act at once. Their bodies are short enough to be whole; false when more bytes are needed.
+// Records that act at once.
 Result actOn(Movie& movie, RecordType type, ContentReader body) {
     switch (type) {
         case RecordType::keyFrameList: {
@@ -66,12 +39,56 @@ Result actOn(Movie& movie, RecordType type, ContentReader body) {
             movie.header.backgroundColour = readPackedColour(body, movie.header.backgroundColour);
             movie.fullRedraw = true;
             return body.ok() ? Result::done : Result::badContent;
+        case RecordType::releaseCharacters:
+            while (body.available(2)) freeCharacter(movie.dictionary, body.u16());
+            return Result::done;
         default: return Result::nothing;
     }
 }
 
 constexpr bool actsAtOnce(std::uint8_t type) {
-    return RecordType{type} == RecordType::keyFrameList || RecordType{type} == RecordType::backgroundColour;
+    switch (RecordType{type}) {
+        case RecordType::keyFrameList:
+        case RecordType::backgroundColour:
+        case RecordType::releaseCharacters: return true;
+        default: return false;
+    }
+}
+
+Result actOnBody(Movie& movie, std::uint8_t type, ContentReader body, std::uint32_t bodyOffset) {
+    if (RecordType{type} == RecordType::frame) return playFrameRecord(movie, body, bodyOffset);
+    answer(movie, LoadCode::again);
+    return actOn(movie, RecordType{type}, body);
+}
+
+// A record larger than a chunk is collected from as many as it takes.
+Result collectRecord(Movie& movie) {
+    const Result collected = collectSection(movie);
+    if (collected != Result::done) return collected;
+    const PoolArray<std::uint8_t> body = takeSection(movie);
+    return actOnBody(movie, movie.sectionType, ContentReader(body.span()), movie.sectionOffset);
+}
+
+// A record whose whole body is needed.
+Result takeWhole(Movie& movie, const RecordHeader& header, Next& next) {
+    ContentReader ahead = movie.reader;
+    ahead.skip(header.headerLength);
+    const std::uint32_t bodyOffset = readerOffset(movie) + header.headerLength;
+    if (ahead.available(header.bodyLength)) {
+        const ContentReader body = ahead.section(header.bodyLength);
+        movie.reader = ahead;
+        next = RecordType{header.type} == RecordType::frame ? Next::status : Next::record;
+        return actOnBody(movie, header.type, body, bodyOffset);
+    }
+    const bool fillsChunk = movie.reader.cursor() == 0 && movie.reader.left() == PlayerInstance::chunkSize;
+    if (!fillsChunk) {
+        askForBytes(movie, readerOffset(movie));
+        return Result::done;
+    }
+    movie.reader = ahead;
+    movie.sectionType = header.type;
+    if (failed(beginSection(movie, header.bodyLength))) return Result::outOfMemory;
+    return collectRecord(movie);
 }
 
 // Moves behind a record, whether its end was fed or not.
@@ -106,17 +123,7 @@ Result takeRecord(Movie& movie, Next& next) {
     if (scanned.id != noCharacter && header.length() <= std::numeric_limits<std::uint32_t>::max())
         registerCharacter(movie.dictionary, scanned.id, definedKind(header.type), readerOffset(movie),
                           static_cast<std::uint32_t>(header.length()));
-    if (RecordType{header.type} == RecordType::frame) return takeFrame(movie, header);
-    if (actsAtOnce(header.type)) {
-        ContentReader ahead = movie.reader;
-        ahead.skip(header.headerLength);
-        if (!ahead.available(header.bodyLength)) {
-            askForBytes(movie, readerOffset(movie));
-            return Result::done;
-        }
-        const Result acted = actOn(movie, RecordType{header.type}, ahead.section(header.bodyLength));
-        if (failed(acted)) return acted;
-    }
+    if (RecordType{header.type} == RecordType::frame || actsAtOnce(header.type)) return takeWhole(movie, header, next);
     next = Next::record;
     return skipRecord(movie, header, next);
 }
@@ -124,7 +131,7 @@ Result takeRecord(Movie& movie, Next& next) {
 }  // namespace
 
 Result playRecords(Movie& movie) {
-    if (isCollecting(movie)) return collectFrame(movie);
+    if (isCollecting(movie)) return collectRecord(movie);
     if (static_cast<PlayStep>(movie.state.step) == PlayStep::stoppedRoot) {
         const Result stepped = stepClips(movie);
         if (failed(stepped)) return stepped;

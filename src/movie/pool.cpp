@@ -19,8 +19,8 @@ void* allocateOrPurge(Pool& pool, std::size_t size, std::uint32_t charged) {
     constexpr int retries = 2;
     for (int attempt = 0;; ++attempt) {
         if (void* block = allocateFromHeap(*pool.player, size)) return block;
-        if (attempt == retries) return nullptr;
-        if (pool.purge) pool.purge(pool.purgeContext, charged / 2);
+        if (!pool.purge || attempt == retries) return nullptr;
+        pool.purge(pool.purgeContext, charged / 2);
     }
 }
 

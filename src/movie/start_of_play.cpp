@@ -1,5 +1,7 @@
 #include "movie/start_of_play.h"
 
+#include <limits>
+
 #include "movie/movie.h"
 #include "player/engine_services.h"
 
@@ -18,13 +20,17 @@ Result readBlock(Movie& movie, std::uint32_t offset, std::uint32_t length, Pool&
 // The length of the font block at the end of the movie data.
 Result readFontLength(Movie& movie, std::uint32_t& length) {
     std::uint8_t bytes[2];
+    if (movie.header.contentLength > std::numeric_limits<std::uint32_t>::max() - sizeof bytes)
+        return Result::badContent;
     if (!readContent(*movie.player, movie.header.contentLength, bytes)) return Result::badContent;
     length = ContentReader(bytes).u16();
     return Result::done;
 }
 
-Result readExtension(Movie& movie, std::uint32_t offset) {
+Result readExtension(Movie& movie, std::uint64_t at) {
     std::uint8_t bytes[4];
+    const auto offset = static_cast<std::uint32_t>(at);
+    if (at > std::numeric_limits<std::uint32_t>::max() - sizeof bytes) return Result::badContent;
     if (!readContent(*movie.player, offset, bytes)) return Result::badContent;
     const std::uint32_t size = ContentReader(bytes).u32();
     if (size > largestExtension) return Result::outOfMemory;
@@ -48,7 +54,7 @@ Result readTrailers(Movie& movie) {
     constexpr int probeSize = 12;
     movie.deviceText = services(*movie.player).rendersText(*movie.player->host, "test", probeSize);
     if (!header.hasExtension) return Result::done;
-    return readExtension(movie, header.contentLength + (header.trailer ? fontLength + lengthBytes : 0));
+    return readExtension(movie, std::uint64_t{header.contentLength} + (header.trailer ? fontLength + lengthBytes : 0));
 }
 
 // The state that every pass through the content begins with.

@@ -53,7 +53,8 @@ enum class Fed { yes, tooShort, unreadable };
 // of the content, or one for bytes that the engine has just been given and did not use.
 Fed bringBytes(PlayerInstance& player) {
     LoadStatus& status = *player.loadStatus;
-    if (player.contentLength <= status.offset) return Fed::tooShort;
+    if (player.contentLength < status.offset) return Fed::tooShort;
+    if (player.contentLength == status.offset) return Fed::unreadable;
     const std::uint32_t left = player.contentLength - status.offset;
     if (status.length > left) status.length = left;
     const std::uint32_t wanted = status.length != 0 ? status.length : left;
@@ -74,7 +75,9 @@ Fed bringBytes(PlayerInstance& player) {
 Dispatch feed(PlayerInstance& player) {
     switch (bringBytes(player)) {
         case Fed::yes: return Dispatch::goOn;
-        case Fed::unreadable: return abortPlayback(player, AbortReason::badContent);
+        case Fed::unreadable:
+            player.loadStatus->code = LoadCode::badContent;  // a teardown need not try again
+            return abortPlayback(player, AbortReason::badContent);
         case Fed::tooShort: break;
     }
     services(player).cancelTimer(*player.host);
@@ -107,6 +110,7 @@ bool openContent(PlayerInstance& player, ContentKind kind) {
     if (kind == ContentKind::paletteMovie)
         std::copy(information.palette.begin(), information.palette.end(), info.palette.begin());
     if (!readOldFormat(player, information.version, info.oldFormat)) {
+        player.loadStatus->code = LoadCode::badContent;
         abortPlayback(player, AbortReason::badContent);
         return false;
     }
@@ -253,7 +257,8 @@ void drain(PlayerInstance& player) {
     requestMovieStop(*player.movie);
     player.wakePending = false;
     prepareMovieDrain(*player.movie);
-    for (;;) {
+    constexpr unsigned mostFeeds = 20000;  // a scan over a long movie need not come to its end
+    for (unsigned feeds = 0; feeds < mostFeeds; ++feeds) {
         switch (player.loadStatus->code) {
             case LoadCode::contentOpened:
             case LoadCode::paletteContentOpened:

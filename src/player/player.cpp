@@ -1,5 +1,7 @@
 #include "player/player.h"
 
+#include <algorithm>
+#include <limits>
 #include <new>
 
 #include "format/file_header.h"
@@ -75,7 +77,7 @@ PlayerInstance* createPlayer(HostContext& host, void* memory, const PlayerOption
     auto* player = new (memory) PlayerInstance;
     player->host = &host;
     player->callback = callback;
-    player->timeSlice = options.timeSlice;
+    player->timeSlice = std::min<std::uint32_t>(options.timeSlice, std::numeric_limits<std::int32_t>::max());
 
     Head head;
     if (!readContent(*player, 0, head)) return nullptr;
@@ -97,7 +99,7 @@ PlayerInstance* createPlayer(HostContext& host, void* memory, const PlayerOption
 }
 
 void destroyPlayer(PlayerInstance& player) {
-    if (!player.movie) return;
+    if (!player.movie || player.leaving) return;
     if (player.inOperation) {
         player.leaving = true;
         return;

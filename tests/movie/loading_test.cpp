@@ -274,6 +274,17 @@ TEST(Expansion, BrokenContainersAreBadContent) {
     EXPECT_TRUE(play(good, options).aborted(AbortReason::noTemporaryFile));
 }
 
+TEST(Expansion, MemoryThatRunsOutIsNoBadContent) {
+    const Bytes content = author::zvisFile(visFile(oneSquare()));
+    const std::uint64_t count = play(content).allocations;
+    for (std::uint64_t n = 1; n <= count; ++n) {
+        PlayOptions options;
+        options.session.faults.allocationsFailFrom = n;
+        const Playback playback = play(content, options);
+        EXPECT_TRUE(playback.opened == OpenResult::refused || playback.aborted(AbortReason::outOfMemory)) << n;
+    }
+}
+
 TEST(Expansion, ExpandedContentIsNoCompressedContent) {
     const Bytes twice = author::zvisFile(author::zvisFile(visFile(oneSquare())));
     EXPECT_TRUE(play(twice).aborted(AbortReason::badContent));

@@ -51,6 +51,18 @@ TEST(FixedRate, KeepsItsDeadlines) {
     EXPECT_NEAR(double(playback.frameTimesMs[5] - playback.frameTimesMs[1]), 4 * 90.0, 1.0);
 }
 
+TEST(FixedRate, KeepsItsDeadlinesFromPassToPass) {
+    MovieFile movie = emptyFrames(3, 60);
+    movie.dropFrames = true;
+    PlayOptions options;
+    options.session.player.loop = true;
+    options.mostFrames = 9;
+    const Playback playback = play(visFile(movie), options);
+    ASSERT_EQ(playback.frameTimesMs.size(), 9u);
+    EXPECT_NEAR(double(playback.frameTimesMs[5] - playback.frameTimesMs[2]), 3 * 60.0, 1.0);
+    EXPECT_NEAR(double(playback.frameTimesMs[8] - playback.frameTimesMs[5]), 3 * 60.0, 1.0);
+}
+
 // A host that looks at the clock slowly is late; frames are passed over, unless they are always to be shown.
 TEST(FixedRate, DropsLateFramesButNoKeyFrames) {
     MovieFile movie = emptyFrames(40, 2);

@@ -2,6 +2,8 @@
 // pictures: r, g, b are squares of those colours on white (.).
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "support/playback.h"
 #include "support/small_movie.h"
 
@@ -196,6 +198,27 @@ TEST(PlayRecords, CollectFramesLargerThanAChunk) {
     movie.records.push_back(author::frame(items));
     movie.records.push_back(frameOf({place(12, 1)}));
     EXPECT_EQ(strips(movie), (Strips{"r.", ".r", "br"}));
+}
+
+TEST(PlayRecords, CollectKeyFrameListsLargerThanAChunk) {
+    std::vector<std::uint16_t> frames(5000);
+    for (std::uint16_t i = 0; i < frames.size(); ++i) frames[i] = static_cast<std::uint16_t>(i * 13);
+    const Bytes list = author::keyFrameList(frames);
+    ASSERT_GT(list.size(), 6144u);
+    EXPECT_EQ(strips(strip(1, {list, frameOf({place(10, 0)})})), (Strips{"r"}));
+}
+
+TEST(PlayRecords, ReleaseCharacters) {
+    MovieFile movie = strip(2, {frameOf({place(10, 0)}), frameOf({removeAt(0), place(11, 0)}),
+                                author::releaseCharacters(std::vector<std::uint16_t>{10, 11, 999}),
+                                frameOf({place(10, 1), author::move(1, at(1, 0))})});
+    const Playback playback = play(visFile(movie));
+    ASSERT_EQ(playback.frames.size(), 3u);
+    EXPECT_EQ(shown(playback.frames[2]), "gr\n") << "what is shown stays, and what was released is decoded again";
+    const auto decodings = std::ranges::count_if(playback.reads, [&](const calls::Read& read) {
+        return read.offset == recordLocations(movie)[4].offset && read.count > 7;
+    });
+    EXPECT_EQ(decodings, 2);
 }
 
 TEST(PlayRecords, SkipWhatTheyDoNotKnow) {

@@ -105,6 +105,15 @@ TEST(FrontEnd, EndsWithTheFourthReasonWhenTheHostRefuses) {
     EXPECT_EQ(playback.blocksLeft, 0);
 }
 
+TEST(FrontEnd, ReadsNothingMoreOnceAReadHasFailed) {
+    const Bytes content = visFile(threeFrames());
+    for (std::uint64_t n = 2; n <= play(content).reads.size(); ++n) {
+        PlayOptions options;
+        options.session.faults.failedReads = {n};
+        EXPECT_LE(play(content, options).reads.size(), n) << "read " << n;
+    }
+}
+
 TEST(FrontEnd, ContentShorterThanAnnouncedIsBad) {
     MovieFile tooLong = threeFrames();
     tooLong.contentLength = 100000;  // more than the file has
