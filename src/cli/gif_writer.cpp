@@ -1,6 +1,8 @@
 #include "cli/gif_writer.h"
 
+#include <fcntl.h>
 #include <gif_lib.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -129,7 +131,11 @@ GifWriter::~GifWriter() {
 }
 
 bool GifWriter::open(const std::string& path) {
-    state_->file = EGifOpenFileName(path.c_str(), false, nullptr);
+    // The library would make a file that nobody but its owner may read.
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (descriptor < 0) return false;
+    state_->file = EGifOpenFileHandle(descriptor, nullptr);
+    if (!state_->file) ::close(descriptor);
     return state_->file != nullptr;
 }
 

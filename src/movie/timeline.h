@@ -10,8 +10,8 @@ struct Movie;
 
 // The head of a frame record's body.
 struct FrameHead {
-    std::uint16_t cacheId = 65535;  // noCharacter: an ordinary frame
-    std::uint16_t frameNumber = 0;  // 0-based, of a cached frame
+    std::uint16_t cacheId = noCharacter;  // noCharacter: an ordinary frame
+    std::uint16_t frameNumber = 0;        // 0-based, of a cached frame
 };
 FrameHead readFrameHead(ContentReader& body);
 

@@ -156,7 +156,6 @@ TEST(FrontEnd, YieldsWhenItsTimeSliceIsUsedUp) {
 TEST(FrontEnd, LeavesNothingBehindWheneverItIsDestroyed) {
     const Bytes plain = visFile(threeFrames());
     for (int ticks = 0; ticks < 12; ++ticks) {
-        Playback playback;
         HeadlessPlatform platform;
         platform.provideContent("content", plain);
         struct Balance : SessionObserver {
