@@ -42,6 +42,23 @@ Result runPhase(Movie& movie, std::span<const std::uint8_t> bytes) {
     return Result::badContent;
 }
 
+PlayerWork workOf(const StateWord& state) {
+    switch (state.phase) {
+        case Phase::sniff:
+        case Phase::reopen:
+        case Phase::load:
+        case Phase::legacy: return PlayerWork::loading;
+        case Phase::play: return PlayerWork::reading;
+        case Phase::frameActions:
+        case Phase::dispatch:
+        case Phase::queuedActions: return PlayerWork::scripts;
+        case Phase::pace:
+            return state.at(Phase::pace, PaceStep::present) ? PlayerWork::presenting : PlayerWork::drawing;
+        case Phase::finish: return PlayerWork::finishing;
+    }
+    return PlayerWork::loading;
+}
+
 bool broughtBytes(LoadCode code) {
     return code == LoadCode::needBytes || code == LoadCode::paletteContentOpened || code == LoadCode::newPass;
 }
@@ -94,6 +111,10 @@ void handKeyToMovie(Movie& movie, std::uint32_t keyCode) { movie.keys.append(sta
 void pauseMovieSounds(Movie&) {}
 void resumeMovieSounds(Movie&) {}
 void muteMovie(Movie&, bool) {}
+
+PlayerStatistics movieStatistics(const Movie& movie) {
+    return {.next = workOf(movie.state), .budgetInUse = movie.pool.inUse, .budgetPeak = movie.pool.peak};
+}
 
 void attachMovieFrameBuffer(Movie& movie, std::uint16_t* pixels, std::uint16_t width, std::uint16_t height) {
     movie.render.pixels = pixels;

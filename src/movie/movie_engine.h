@@ -6,11 +6,11 @@
 #include <span>
 
 #include "player/load_status.h"
+#include "player/player.h"
 
 namespace qel {
 
 struct Movie;
-struct PlayerInstance;
 
 // Null, with nothing left allocated, when memory runs out. `budget` bytes bound what the movie allocates, as counted on
 // the device. `startMuted` is kept and not used: movies start with sound.
@@ -32,6 +32,8 @@ void handKeyToMovie(Movie& movie, std::uint32_t keyCode);
 void pauseMovieSounds(Movie& movie);
 void resumeMovieSounds(Movie& movie);
 void muteMovie(Movie& movie, bool mute);
+
+PlayerStatistics movieStatistics(const Movie& movie);
 
 // `pixels` (RGB565, `width` words a row) is what frames are drawn into from now on; it stays the host's.
 void attachMovieFrameBuffer(Movie& movie, std::uint16_t* pixels, std::uint16_t width, std::uint16_t height);

@@ -1,5 +1,6 @@
 #include "movie/pool.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "player/engine_services.h"
@@ -34,6 +35,7 @@ void* allocateBlock(Pool& pool, std::size_t size, std::uint32_t charged) {
     if (!block) return nullptr;
     auto* header = new (block) BlockHeader{charged + blockHeaderCharge};
     pool.inUse += header->charged;
+    pool.peak = std::max(pool.peak, pool.inUse);
     return header + 1;
 }
 

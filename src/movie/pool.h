@@ -24,6 +24,7 @@ struct Pool {
     PlayerInstance* player = nullptr;  // leads to the general heap
     std::uint32_t budget = unlimited;  // bytes
     std::uint32_t inUse = 0;           // bytes charged
+    std::uint32_t peak = 0;            // the most that was charged at one time
     // Gives back at least `bytes`; false when it cannot. Null: there is nothing to purge.
     bool (*purge)(void* context, std::uint32_t bytes) = nullptr;
     void* purgeContext = nullptr;

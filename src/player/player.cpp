@@ -139,6 +139,10 @@ std::int32_t playerKeyInput(PlayerInstance& player, std::uint32_t keyCode) {
 std::int32_t playerRestart(PlayerInstance& player) {
     return run(player, [&] { return player.operations->restart(player); });
 }
+PlayerStatistics playerStatistics(const PlayerInstance& player) {
+    return player.movie ? movieStatistics(*player.movie) : PlayerStatistics{};
+}
+
 std::int32_t playerAttachFrameBuffer(PlayerInstance& player, std::uint16_t* pixels, std::uint16_t width,
                                      std::uint16_t height) {
     return run(player, [&] { return player.operations->attachFrameBuffer(player, pixels, width, height); });

@@ -44,6 +44,22 @@ std::int32_t playerSoundOff(PlayerInstance& player);
 std::int32_t playerKeyInput(PlayerInstance& player, std::uint32_t keyCode);
 std::int32_t playerRestart(PlayerInstance& player);
 
+// What a player is about to do, for tools that measure: with a time slice of 0 every step does one piece of work.
+enum class PlayerWork : std::uint8_t {
+    loading,     // headers, leading records, definitions; the start of a pass
+    reading,     // records of the timeline, and the changes that frames make
+    scripts,     // actions, keys and commands
+    drawing,     // pacing, finding what has changed, drawing it
+    presenting,  // overlays, handing the frame over
+    finishing,
+};
+struct PlayerStatistics {
+    PlayerWork next = PlayerWork::loading;  // what the next step begins with
+    std::uint32_t budgetInUse = 0;          // bytes of the budget
+    std::uint32_t budgetPeak = 0;           // the most that was in use at one time
+};
+PlayerStatistics playerStatistics(const PlayerInstance& player);
+
 // These two are called from inside events 1 and 2.
 // `pixels` has room for width * height * 4 bytes and stays the host's.
 std::int32_t playerAttachFrameBuffer(PlayerInstance& player, std::uint16_t* pixels, std::uint16_t width,
