@@ -1,10 +1,12 @@
 // Definitions other than shapes and styles.
 #include <algorithm>
+#include <array>
 #include <string>
 
 #include "author/inspect_fields.h"
 #include "author/inspect_movie.h"
 #include "author/inspect_names.h"
+#include "format/key_codes.h"
 
 namespace qel::author::inspector {
 namespace {
@@ -21,6 +23,12 @@ void readLooks(Listing& list, MovieFacts& facts, FieldReader& fields) {
         const std::uint16_t id = fields.u16(look);
         if (!fields.broken()) noteReference(list, facts, id, at);
     }
+}
+
+// A key code and, where the key has a name, that.
+void readKey(Listing& list, FieldReader& fields, const char* code, const char* name) {
+    const std::uint8_t key = fields.u8(code);
+    if (!fields.broken() && !keyNameOf(key).empty()) addWord(list, name, keyNameOf(key));
 }
 
 // What runs the actions of a button's entry. The two key conditions are followed by their key codes.
@@ -44,8 +52,8 @@ void inspectConditions(Listing& list, std::size_t at, std::size_t end) {
         if (conditions & 2) words += "keyWhileFocused ";
         if (conditions & 1) words += "key ";
         if (!entry.broken()) addWord(list, "when", std::string_view{words}.substr(0, words.size() - !words.empty()));
-        if (conditions & 2) entry.u8("focusedKey");
-        if (conditions & 1) entry.u8("key");
+        if (conditions & 2) readKey(list, entry, "focusedKey", "focusedKeyName");
+        if (conditions & 1) readKey(list, entry, "key", "keyName");
         if (!entry.broken()) inspectActions(list, entry.at(), entryEnd);
         at = entryEnd;
     }
@@ -153,7 +161,7 @@ void inspectButton(Listing& list, MovieFacts& facts, const RecordPlace& record) 
     readIdentifier(list, facts, fields, record);
     readLooks(list, facts, fields);
     const bool isCommandButton = RecordType{record.type} == RecordType::commandButton;
-    if (isCommandButton) fields.u8("key");
+    if (isCommandButton) readKey(list, fields, "key", "keyName");
     fields.u8(nullptr);
     if (fields.broken()) return;
     if (isCommandButton) {
@@ -205,9 +213,9 @@ void inspectTextField(Listing& list, MovieFacts& facts, const RecordPlace& recor
     if (!fields.broken()) addHex(list, "flags", flags);
     if (flags & hasVariable) fields.shortText("variable");
     if (flags & hasExtraValue) fields.u16("extraValue");
-    fields.u8("value1");
-    fields.u8("value2");
-    fields.u8("value3");
+    std::array<std::int32_t, 3> values;
+    for (std::int32_t& value : values) value = fields.u8(nullptr);
+    if (!fields.broken()) addNumbers(list, "values", values);
     fields.colour(4, "colour");
     fields.u8("value4");
     fields.shortText("text");

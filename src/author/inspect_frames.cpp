@@ -19,7 +19,7 @@ std::uint16_t reference(Listing& list, MovieFacts& facts, FieldReader& fields, c
 
 // The events that a mask of five bits names, in words. What the last two stand for is not known.
 void addEvents(Listing& list, const char* name, std::uint32_t mask) {
-    static constexpr const char* eventNames[] = {"load", "unload", "everyFrame", "event4", "event5"};
+    static constexpr const char* eventNames[] = {"load", "unload", "every-frame", "event4", "event5"};
     std::string words;
     for (unsigned i = 0; i < 5; ++i) {
         if (mask >> (4 - i) & 1) words += (words.empty() ? "" : " ") + std::string(eventNames[i]);
@@ -64,7 +64,7 @@ void inspectPlaceClip(Listing& list, MovieFacts& facts, FieldReader& fields, std
     inspectHandlers(list, fields.at(), end);
 }
 
-void inspectPurgeOrderUpdate(Listing& list, FieldReader& fields) {
+void inspectPurgeOrderUpdate(Listing& list, MovieFacts& facts, FieldReader& fields) {
     fields.align();
     const unsigned width = fields.bits(5, nullptr) + 1;
     std::vector<std::int32_t> characters, positions;
@@ -72,6 +72,8 @@ void inspectPurgeOrderUpdate(Listing& list, FieldReader& fields) {
         const std::uint32_t character = fields.bits(width, nullptr);
         const std::uint32_t position = fields.bits(width, nullptr) & 0xFF;
         if (position == 0) break;
+        if (character < noCharacter)
+            noteReference(list, facts, static_cast<std::uint16_t>(character), fields.at() - 1);
         characters.push_back(static_cast<std::int32_t>(character));
         positions.push_back(static_cast<std::int32_t>(position));
     }
@@ -107,7 +109,7 @@ void inspectItemBody(Listing& list, MovieFacts& facts, unsigned type, std::size_
         case FrameItemType::stopSound: reference(list, facts, fields, "sound"); break;
         case FrameItemType::volume: fields.u8("volume"); break;
         case FrameItemType::commands: inspectCommandList(list, facts, begin, end); break;
-        case FrameItemType::purgeOrderUpdate: inspectPurgeOrderUpdate(list, fields); break;
+        case FrameItemType::purgeOrderUpdate: inspectPurgeOrderUpdate(list, facts, fields); break;
         case FrameItemType::instanceNumber: fields.u16("number"); break;
         case FrameItemType::placeClip: inspectPlaceClip(list, facts, fields, end); break;
         case FrameItemType::actions: inspectActions(list, begin, end); break;
@@ -140,6 +142,12 @@ void inspectFrameItems(Listing& list, MovieFacts& facts, std::size_t at, std::si
     }
 }
 
+// A count of 0 runs down from 256.
+void inspectRounds(Listing& list, FieldReader& fields) {
+    const std::uint8_t count = fields.u8(nullptr);
+    if (!fields.broken()) addNumber(list, "count", count == 0 ? 256 : count);
+}
+
 void inspectCommandBody(Listing& list, MovieFacts& facts, unsigned number, FieldReader& fields) {
     const std::uint8_t event = fields.u8("event");
     if (fields.broken()) return;
@@ -151,7 +159,7 @@ void inspectCommandBody(Listing& list, MovieFacts& facts, unsigned number, Field
         case CommandNumber::frameLoop:
             reference(list, facts, fields, "firstKeyFrame");
             fields.u16("lastFrame");
-            fields.u8("count");
+            inspectRounds(list, fields);
             reference(list, facts, fields, "keyFrameAfter");
             break;
         case CommandNumber::openUrl: fields.rest("url"); break;
@@ -202,6 +210,10 @@ void inspectCommandBody(Listing& list, MovieFacts& facts, unsigned number, Field
 bool inspectFrame(Listing& list, MovieFacts& facts, const RecordPlace& record, TimelineOf owner, std::uint32_t index) {
     FieldReader fields(list, record.body, record.end);
     addNumber(list, "index", index);
+    if (owner == TimelineOf::movie) {
+        const auto label = facts.labels.find(index);
+        if (label != facts.labels.end()) addText(list, "label", label->second);
+    }
     const std::uint16_t id = fields.u16(nullptr);
     if (fields.broken()) return false;
     const bool cached = id != noCharacter;

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
+#include <string>
 #include <vector>
 
 #include "author/inspect_listing.h"
@@ -39,8 +41,9 @@ struct MovieFacts {
     std::uint32_t dictionarySize = 0;
     bool hasDictionary = false;
     bool scanDefinitions = false;
-    std::vector<Definition> definitions;    // by offset
-    std::vector<DirectoryEntry> directory;  // the entries in use
+    std::vector<Definition> definitions;          // by offset
+    std::vector<DirectoryEntry> directory;        // the entries in use
+    std::map<std::uint32_t, std::string> labels;  // of the movie's frames, by index; the first of each
     struct Identifier {
         std::uint32_t definedBy = 0;  // 1 + the index of the part with its first definition, or 0
         std::uint32_t namedBy = 0;    // the same for the first part that names it
@@ -72,7 +75,8 @@ void inspectCharacterDirectory(Listing& list, MovieFacts& facts, const RecordPla
 struct EntryNames {
     const char *entry, *number, *text;
 };
-void inspectNamedNumbers(Listing& list, const EntryNames& names, unsigned count, std::size_t begin, std::size_t end);
+void inspectNamedNumbers(Listing& list, const EntryNames& names, unsigned count, std::size_t begin, std::size_t end,
+                         std::map<std::uint32_t, std::string>* collected = nullptr);
 void inspectNameTable(Listing& list, const RecordPlace& record);
 void inspectBlockTable(Listing& list, const RecordPlace& record);
 

@@ -6,6 +6,7 @@
 #include "format/colour_formats.h"
 #include "format/commands.h"
 #include "format/frame_items.h"
+#include "format/key_codes.h"
 #include "format/path_records.h"
 #include "format/record_types.h"
 #include "format/saf_records.h"
@@ -177,13 +178,11 @@ const char* colourFormatName(std::uint8_t format) { return find(colourFormatName
 const char* safRecordName(std::uint8_t type) { return find(safRecordNames, type); }
 const char* safHeaderName(std::uint8_t type) { return find(safHeaderNames, type); }
 
-const char* commandEventName(std::uint8_t event) {
-    switch (CommandEvent{event}) {
-        case CommandEvent::anyKey: return "anyKey";
-        case CommandEvent::unhandledKey: return "unhandledKey";
-        case CommandEvent::everyFrame: return "everyFrame";
-    }
-    return "key";
+std::string_view commandEventName(std::uint8_t event) {
+    for (const CommandEventName& each : commandEventNames)
+        if (static_cast<std::uint8_t>(each.event) == event) return each.name;
+    const std::string_view name = keyNameOf(event);
+    return name.empty() ? "key" : name;
 }
 
 const char* safEncodingName(std::uint8_t encoding) {

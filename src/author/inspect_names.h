@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 namespace qel::author::inspector {
 
@@ -12,7 +13,7 @@ const char* recordName(std::uint8_t type);
 const char* propertyName(std::uint8_t type);
 const char* frameItemName(std::uint8_t type);
 const char* commandName(std::uint8_t number);
-const char* commandEventName(std::uint8_t event);  // "key" for every plain key code
+std::string_view commandEventName(std::uint8_t event);  // a key's name, "key" for one without
 const char* pathRecordName(std::uint8_t kind);
 const char* characterKindName(std::uint8_t kind);
 const char* colourFormatName(std::uint8_t format);

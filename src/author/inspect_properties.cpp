@@ -47,7 +47,7 @@ void inspectProperty(Listing& list, MovieFacts& facts, PropertyType type, std::s
         case PropertyType::keyFrameIndex: inspectKeyFrameIndex(list, facts, begin, end); break;
         case PropertyType::frameLabels: {
             const unsigned count = fields.u16("count");
-            inspectNamedNumbers(list, {"label", "frame", "label"}, count, fields.at(), end);
+            inspectNamedNumbers(list, {"label", "frame", "label"}, count, fields.at(), end, &facts.labels);
             break;
         }
         case PropertyType::frameCount: facts.frameCount = fields.u16("frameCount"); break;
@@ -148,14 +148,16 @@ void inspectCharacterDirectory(Listing& list, MovieFacts& facts, const RecordPla
     }
 }
 
-void inspectNamedNumbers(Listing& list, const EntryNames& names, unsigned count, std::size_t begin, std::size_t end) {
+void inspectNamedNumbers(Listing& list, const EntryNames& names, unsigned count, std::size_t begin, std::size_t end,
+                         std::map<std::uint32_t, std::string>* collected) {
     FieldReader fields(list, begin, end);
     for (unsigned i = 0; i < count && !fields.broken() && !list.full; ++i) {
         const std::size_t at = fields.at();
         const std::size_t length = fields.left() < 3 ? fields.left() : 3 + std::size_t{list.content[at + 2]};
         PartScope scope(list, names.entry, -1, at, std::min(length, fields.left()));
-        fields.u16(names.number);
-        fields.shortText(names.text);
+        const std::uint16_t number = fields.u16(names.number);
+        const std::string_view text = fields.shortText(names.text);
+        if (collected && !fields.broken()) collected->emplace(number, text);
     }
 }
 

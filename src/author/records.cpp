@@ -159,10 +159,34 @@ Bytes morphShape(std::uint16_t id, std::uint16_t startShape, std::uint16_t endSh
     return record(RecordType::morphShape, body.take());
 }
 
-Bytes sprite(const SpriteRecord& fields) {
-    ByteWriter head;  // behind the head length
+namespace {
+
+// The record counts a block's offset from its own start, and so from in front of a head whose length the block list is
+// part of: the fields are wide enough for any head.
+void writeSpriteBlocks(ByteWriter& to, std::span<const Block> blocks, std::uint32_t timelineAt) {
+    constexpr std::uint32_t mostBytes = 65535;
+    constexpr unsigned offsetBits = 18, lengthBits = 16;
+    to.u8(0).u16(0).u16(checkedCount(blocks.size(), mostBytes, "blocks of a sprite"));
+    to.ub(offsetBits, 5).ub(lengthBits, 5);
+    for (const Block& block : blocks) {
+        checkedCount(block.offset, mostBytes, "bytes in front of a sprite's block");
+        checkedCount(block.length, mostBytes, "bytes of a sprite's block");
+        to.ub(0, 1).ub(block.id, 16).ub(block.offset + timelineAt, offsetBits).ub(block.length, lengthBits);
+    }
+    to.align();
+}
+
+constexpr std::size_t spriteLengthField = 2;
+
+// The head behind its length, when the timeline begins at `timelineAt` of the record.
+Bytes spriteHead(const SpriteRecord& fields, std::uint32_t timelineAt) {
+    ByteWriter head;
     head.u16(fields.id).u16(fields.frameCount).u16(fields.keyFrameCount);
-    head.ub(0, 5).ub(0, 1).ub(fields.labels.empty() ? 0 : 1, 1).ub(fields.keyFrames.empty() ? 0 : 1, 1);
+    head.ub(0, 5)
+        .ub(fields.blocks.empty() ? 0 : 1, 1)
+        .ub(fields.labels.empty() ? 0 : 1, 1)
+        .ub(fields.keyFrames.empty() ? 0 : 1, 1);
+    if (!fields.blocks.empty()) writeSpriteBlocks(head, fields.blocks, timelineAt);
     if (!fields.labels.empty()) {
         head.u8(0).u16(0).u16(static_cast<std::uint32_t>(fields.labels.size()));
         for (const Label& label : fields.labels) head.u16(label.frame).shortText(label.name);
@@ -172,10 +196,17 @@ Bytes sprite(const SpriteRecord& fields) {
         head.u24(0).u16(static_cast<std::uint32_t>(fields.keyFrames.size())).ub(width - 1, 4);
         writeList(head, fields.keyFrames, width);
     }
-    const Bytes headBytes = head.take();
-    constexpr std::size_t lengthField = 2;
-    const std::uint32_t headLength = checkedCount(lengthField + headBytes.size(), 65535, "bytes of a sprite's head");
-    return record(RecordType::sprite, ByteWriter().u16(headLength).bytes(headBytes).bytes(fields.timeline).take());
+    return head.take();
+}
+
+}  // namespace
+
+Bytes sprite(const SpriteRecord& fields) {
+    constexpr std::uint32_t recordHeader = 5;
+    const std::size_t size = spriteLengthField + spriteHead(fields, 0).size();
+    const std::uint32_t headLength = checkedCount(size, 65535, "bytes of a sprite's head");
+    const Bytes head = spriteHead(fields, recordHeader + headLength);
+    return record(RecordType::sprite, ByteWriter().u16(headLength).bytes(head).bytes(fields.timeline).take());
 }
 
 Bytes frame(std::span<const std::uint8_t> items) {

@@ -85,10 +85,20 @@ struct Label {
     std::string name;
 };
 
+// Where something lies in the content.
+struct Location {
+    std::uint32_t offset = 0, length = 0;
+};
+// Action items of a frame, found by the frame's number when a script calls it.
+struct Block : Location {
+    std::uint16_t id = 0;
+};
+
 struct SpriteRecord {
     std::uint16_t id = 0;
     std::uint16_t frameCount = 0;
     std::uint16_t keyFrameCount = 0;
+    std::vector<Block> blocks = {};        // offsets count from the timeline's start; 65535 at the most, as lengths
     std::vector<Label> labels;             // names of at most 39 bytes are kept whole
     std::vector<std::uint16_t> keyFrames;  // frames that are always shown
     Bytes timeline;                        // frame records
@@ -110,17 +120,10 @@ struct Name {
 };
 Bytes nameTable(std::span<const Name> names);
 
-// Where something lies in the content.
-struct Location {
-    std::uint32_t offset = 0, length = 0;
-};
 struct DirectoryEntry : Location {
     CharacterKind kind = CharacterKind::solidFill;
 };
 Bytes characterDirectory(std::span<const DirectoryEntry> entries);  // entry i describes character i
-struct Block : Location {
-    std::uint16_t id = 0;
-};
 Bytes blockTable(std::span<const Block> blocks);
 
 // Record 1, sub-record by sub-record.

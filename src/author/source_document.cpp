@@ -207,7 +207,7 @@ std::uint32_t colourOf(const SourceValue& value) {
     return paintOf(value).colour;
 }
 
-void allowOnly(const SourceValue& object, std::initializer_list<std::string_view> names) {
+void allowOnly(const SourceValue& object, std::span<const std::string_view> names) {
     for (const auto& [name, member] : membersOf(object))
         if (std::ranges::find(names, name) == names.end()) fail(member, "nothing is called \"" + name + "\" here");
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -63,6 +64,9 @@ struct SourcePaint {
 SourcePaint paintOf(const SourceValue& value);  // "#rrggbb" or "#rrggbbaa"
 
 // Complains about the first member whose name is not in the list.
-void allowOnly(const SourceValue& object, std::initializer_list<std::string_view> names);
+void allowOnly(const SourceValue& object, std::span<const std::string_view> names);
+inline void allowOnly(const SourceValue& object, std::initializer_list<std::string_view> names) {
+    allowOnly(object, std::span(names.begin(), names.size()));
+}
 
 }  // namespace qel::author

@@ -1,42 +1,58 @@
 #include "author/source_movie.h"
 
 #include <algorithm>
-#include <limits>
-#include <map>
-#include <optional>
-#include <set>
 
-#include "author/source_path.h"
+#include "author/source_characters.h"
+#include "author/source_commands.h"
+#include "author/source_shapes.h"
+#include "author/source_tables.h"
 #include "author/source_timeline.h"
 
 namespace qel::author {
 namespace {
 
-// What a name of the source stands for.
-struct SourceCharacter {
-    enum class Kind : std::uint8_t { fill, gradient, line, shape, sprite };
-    Kind kind = Kind::fill;
-    std::uint16_t id = 0;
-    const SourceValue* value = nullptr;
-};
+constexpr std::size_t mostLabelBytes = 255;
+constexpr std::size_t mostSpriteLabelBytes = 39;  // players keep no more of it
+
+// The labels of a timeline.
+std::vector<Label> labelsOf(const SourceValue& where, const std::vector<CompiledFrame>& frames, std::size_t mostBytes) {
+    std::vector<Label> labels;
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        if (!frames[i].label) continue;
+        if (frames[i].label->size() > mostBytes)
+            fail(where, "the label \"" + frames[i].label->substr(0, 20) + "...\" has more than " +
+                            std::to_string(mostBytes) + " bytes");
+        labels.push_back({static_cast<std::uint16_t>(i), *frames[i].label});
+    }
+    return labels;
+}
+
+// Frames that are shown even by a player that is late: by number or label, in any order.
+std::vector<std::uint16_t> frameList(const SourceValue& list, const FrameLabels& labels) {
+    std::vector<std::uint16_t> frames;
+    for (const SourceValue& value : listOf(list)) frames.push_back(labels.firstFrame(value));
+    std::ranges::sort(frames);
+    frames.erase(std::unique(frames.begin(), frames.end()), frames.end());
+    return frames;
+}
 
 class MovieCompiler {
   public:
+    explicit MovieCompiler(const ReadSourceFile& readFile) { build_.readFile = readFile; }
+
     MovieFile compile(const SourceValue& root) {
-        allowOnly(root, {"stage", "version", "dropFrames", "fitToScreen", "background", "frameDuration",
-                         "frameDurations", "characters", "frames"});
+        allowOnly(root,
+                  {"stage", "version", "dropFrames", "fitToScreen", "background", "frameDuration", "frameDurations",
+                   "commands", "keyFrameList", "purgeOrder", "nameTable", "directory", "characters", "frames"});
         readStage(root);
-        if (const SourceValue* characters = root.find("characters")) {
-            for (const auto& [name, value] : membersOf(*characters)) declare(name, value);
-            // Styles come first, because a shape looks its styles up when it is read.
-            for (const bool styles : {true, false})
-                for (const auto& [name, value] : membersOf(*characters))
-                    if (isStyle(characters_.at(name)) == styles) define(characters_.at(name));
-            checkNesting();
-        }
-        std::vector<CompiledFrame> frames = compileTimeline(memberOf(root, "frames"), nullptr);
+        build_.names.declare(root);
+        if (const SourceValue* characters = root.find("characters")) defineCharacters(*characters);
+        const SourceValue& where = memberOf(root, "frames");
+        const std::vector<CompiledFrame> frames = compileFrames(where, build_, nullptr);
         writeProperties(root, frames);
         writeFrames(root, frames);
+        movie_.records = std::move(build_.records);
+        writeTables(root);
         return std::move(movie_);
     }
 
@@ -53,213 +69,57 @@ class MovieCompiler {
         if (const SourceValue* fit = root.find("fitToScreen")) movie_.fitToScreen = booleanOf(*fit);
     }
 
-    std::uint16_t newId(const SourceValue& value) {
-        if (nextId_ == noCharacter) fail(value, "more than 65534 characters");
-        return nextId_++;
-    }
-
-    void declare(const std::string& name, const SourceValue& value) {
-        using Kind = SourceCharacter::Kind;
-        if (name.starts_with('#')) fail(value, "a name does not begin with #, as colours do");
-        constexpr std::pair<const char*, Kind> kinds[] = {{"fill", Kind::fill},
-                                                          {"gradient", Kind::gradient},
-                                                          {"line", Kind::line},
-                                                          {"shape", Kind::shape},
-                                                          {"sprite", Kind::sprite}};
-        std::optional<Kind> kind;
-        for (const auto& [field, itsKind] : kinds) {
-            if (membersOf(value).empty() || !value.find(field)) continue;
-            if (kind) fail(*value.find(field), "\"" + name + "\" can be only one thing");
-            kind = itsKind;
+    // Styles come first, because a shape looks its styles up when it is read.
+    void defineCharacters(const SourceValue& characters) {
+        for (const bool styles : {true, false}) {
+            for (const auto& [name, value] : membersOf(characters)) {
+                const SourceCharacter& character = build_.names.characterCalled(name, value);
+                if (isStyle(character) == styles) define(character);
+            }
         }
-        if (!kind) fail(value, "\"" + name + "\" has none of fill, gradient, line, shape, sprite");
-        characters_[name] = {*kind, newId(value), &value};
+        checkNesting(build_);
     }
 
     static bool isStyle(const SourceCharacter& character) {
-        return character.kind != SourceCharacter::Kind::shape && character.kind != SourceCharacter::Kind::sprite;
+        using Kind = SourceCharacter::Kind;
+        return character.kind == Kind::fill || character.kind == Kind::gradient || character.kind == Kind::line;
     }
 
     void define(const SourceCharacter& character) {
-        const SourceValue& value = *character.value;
         switch (character.kind) {
-            case SourceCharacter::Kind::fill: {
-                allowOnly(value, {"fill"});
-                const SourcePaint paint = paintOf(memberOf(value, "fill"));
-                movie_.records.push_back(solidFill(character.id, {paint.colour, paint.alpha}));
-                break;
-            }
-            case SourceCharacter::Kind::gradient: defineGradient(character.id, value); break;
-            case SourceCharacter::Kind::line: defineLine(character); break;
-            case SourceCharacter::Kind::shape: defineShape(character); break;
+            case SourceCharacter::Kind::fill: shapes_.defineFill(character); break;
+            case SourceCharacter::Kind::gradient: shapes_.defineGradient(character.id, *character.value); break;
+            case SourceCharacter::Kind::line: shapes_.defineLine(character); break;
+            case SourceCharacter::Kind::shape: shapes_.defineShape(character); break;
             case SourceCharacter::Kind::sprite: defineSprite(character); break;
+            case SourceCharacter::Kind::button: defineButton(build_, character); break;
+            case SourceCharacter::Kind::commandButton: defineCommandButton(build_, character); break;
+            case SourceCharacter::Kind::sound: defineSound(build_, character); break;
+            case SourceCharacter::Kind::textField: defineTextField(build_, character); break;
+            case SourceCharacter::Kind::compressionTable: defineCompressionTable(build_, character); break;
         }
-    }
-
-    void defineGradient(std::uint16_t id, const SourceValue& value) {
-        allowOnly(value, {"gradient", "matrix", "stops"});
-        const std::string& type = textOf(memberOf(value, "gradient"));
-        if (type != "linear" && type != "radial")
-            fail(memberOf(value, "gradient"), "\"" + type + "\" is no gradient; use linear or radial");
-        std::vector<GradientStop> stops;
-        for (const SourceValue& stop : listOf(memberOf(value, "stops"))) {
-            const auto& parts = listOf(stop);
-            if (parts.size() != 2) fail(stop, "a stop is [ratio, colour]");
-            const SourcePaint paint = paintOf(parts[1]);
-            const std::int64_t least = stops.empty() ? 0 : stops.back().ratio;  // ratios ascend
-            stops.push_back({static_cast<std::uint8_t>(integerOf(parts[0], least, 255)), paint.colour, paint.alpha});
-        }
-        if (stops.empty()) fail(memberOf(value, "stops"), "a gradient has at least one stop");
-        if (stops.size() > 255) fail(memberOf(value, "stops"), "a gradient has at most 255 stops");
-        Matrix matrix = identityMatrix;
-        if (const SourceValue* given = value.find("matrix")) matrix = readMatrix(*given);
-        const GradientType kind = type == "linear" ? GradientType::linear : GradientType::radial;
-        movie_.records.push_back(gradientFill(id, kind, matrix, stops));
-    }
-
-    void defineLine(const SourceCharacter& character) {
-        const SourceValue& value = *character.value;
-        allowOnly(value, {"line", "width"});
-        const SourcePaint paint = paintOf(memberOf(value, "line"));
-        const SourceValue* width = value.find("width");
-        const auto pixels = static_cast<unsigned>(width ? integerOf(*width, 0, 63) : 1);
-        movie_.records.push_back(lineStyle(character.id, {paint.colour, paint.alpha}, pixels));
-    }
-
-    const SourceCharacter& named(const SourceValue& name) const {
-        const auto found = characters_.find(textOf(name));
-        if (found == characters_.end()) fail(name, "no character is called \"" + name.text + "\"");
-        return found->second;
-    }
-
-    // A fill whose identifier is above that of the path before: of overlapping fills of one shape the higher identifier
-    // is drawn, and what is listed later belongs on top. A style that lies below gets a copy.
-    std::uint16_t fillAbove(std::uint16_t before, const SourceValue& value, ShapeRecord& shape) {
-        const bool isColour = textOf(value).starts_with('#');
-        const SourceCharacter* style = isColour ? nullptr : &named(value);
-        const bool isGradient = style && style->kind == SourceCharacter::Kind::gradient;
-        if (style && style->kind != SourceCharacter::Kind::fill && !isGradient)
-            fail(value, "\"" + value.text + "\" is no fill");
-        if (isGradient) {
-            std::uint16_t id = style->id;
-            if (id <= before) defineGradient(id = newId(value), *style->value);
-            shape.gradientFills.push_back(id);
-            return id;
-        }
-        if (style && style->id > before) return style->id;
-        const SourcePaint paint = paintOf(style ? memberOf(*style->value, "fill") : value);
-        for (const auto& [existing, itsPaint] : inlineFills_)
-            if (existing > before && itsPaint == paint) return existing;
-        const std::uint16_t id = newId(value);
-        movie_.records.push_back(solidFill(id, {paint.colour, paint.alpha}));
-        inlineFills_.push_back({id, paint});
-        return id;
-    }
-
-    std::uint16_t lineFor(const SourceValue& value) const {
-        const SourceCharacter& style = named(value);
-        if (style.kind != SourceCharacter::Kind::line) fail(value, "\"" + value.text + "\" is no line");
-        return style.id;
-    }
-
-    void defineShape(const SourceCharacter& character) {
-        allowOnly(*character.value, {"shape"});
-        constexpr std::int16_t far = std::numeric_limits<std::int16_t>::max(),
-                               near = std::numeric_limits<std::int16_t>::min();
-        ShapeRecord shape{.id = character.id,
-                          .bounds = {far, far, near, near},
-                          .outline = {},
-                          .hasFill = false,
-                          .bitmapFills = {},
-                          .gradientFills = {}};
-        std::uint16_t fillBefore = 0;
-        for (const SourceValue& path : listOf(memberOf(*character.value, "shape"))) {
-            allowOnly(path, {"path", "fill", "line"});
-            const SourceValue& text = memberOf(path, "path");
-            std::uint16_t fill = noCharacter, line = noCharacter;
-            if (const SourceValue* value = path.find("fill")) {
-                fill = fillBefore = fillAbove(fillBefore, *value, shape);
-                shape.hasFill = true;
-            }
-            if (const SourceValue* value = path.find("line")) line = lineFor(*value);
-            if (fill == noCharacter && line == noCharacter) fail(path, "a path has a fill or a line");
-            try {
-                drawPath(shape.outline, parsePath(textOf(text)), line, fill, shape.bounds);
-            } catch (const PathError& error) {
-                fail(text, error.what());
-            }
-        }
-        if (shape.bounds.xMin > shape.bounds.xMax) shape.bounds = {};
-        addRecord(*character.value, [&] { return author::shape(shape); });
-    }
-
-    // `parent` is the sprite whose timeline it is, null for the movie's own.
-    std::vector<CompiledFrame> compileTimeline(const SourceValue& frames, const SourceCharacter* parent) {
-        return compileFrames(frames, [this, parent](const SourceValue& name) {
-            const SourceCharacter& character = named(name);
-            const bool isSprite = character.kind == SourceCharacter::Kind::sprite;
-            if (!isSprite && character.kind != SourceCharacter::Kind::shape)
-                fail(name, "\"" + name.text + "\" is a style; only shapes and sprites are placed");
-            if (isSprite && parent) nested_.insert({parent, &character});
-            return PlacedCharacter{character.id, isSprite};
-        });
-    }
-
-    // Players do not go deeper than this, and a sprite inside itself would have no end.
-    void checkNesting() const {
-        constexpr int deepest = 64;
-        std::map<const SourceCharacter*, int> depths;  // of the sprites below
-        for (bool changed = true; changed;) {
-            changed = false;
-            for (const auto& [parent, child] : nested_) {
-                const int depth = depths[child] + 1;
-                if (depth <= depths[parent]) continue;
-                if (depth == deepest)
-                    fail(*parent->value, "sprites stand in one another 64 deep here; does one hold itself?");
-                depths[parent] = depth;
-                changed = true;
-            }
-        }
-    }
-
-    Bytes frameRecord(const SourceValue& where, const CompiledFrame& compiled, std::size_t number) {
-        Bytes bytes;
-        const std::uint16_t cacheId = compiled.isKey ? newId(where) : noCharacter;
-        try {
-            bytes = compiled.isKey ? keyFrame(cacheId, static_cast<std::uint16_t>(number), compiled.items)
-                                   : frame(compiled.items);
-        } catch (const std::length_error&) {
-            fail(where, "frame " + std::to_string(number) + " has more items than a frame record holds");
-        }
-        if (compiled.isKey) keyFrames_.push_back({static_cast<std::uint16_t>(number), cacheId});
-        return bytes;
     }
 
     void defineSprite(const SourceCharacter& character) {
         const SourceValue& value = *character.value;
-        allowOnly(value, {"sprite"});
+        allowOnly(value, {"sprite", "keyFrameList", "identifier"});
         const SourceValue& frames = memberOf(value, "sprite");
         SpriteRecord sprite{.id = character.id, .labels = {}, .keyFrames = {}, .timeline = {}};
-        keyFrames_.clear();
-        for (const CompiledFrame& compiled : compileTimeline(frames, &character)) {
-            if (compiled.background) fail(frames, "only the movie's own frames change the background");
-            if (compiled.label) sprite.labels.push_back({sprite.frameCount, *compiled.label});
-            const Bytes bytes = frameRecord(frames, compiled, sprite.frameCount++);
+        const std::vector<CompiledFrame> compiled = compileFrames(frames, build_, &character);
+        for (const CompiledFrame& each : compiled) {
+            if (each.callable) {
+                const Location inRecord = callableIn(each);
+                const auto timelineAt = static_cast<std::uint32_t>(sprite.timeline.size());
+                sprite.blocks.push_back({{timelineAt + inRecord.offset, inRecord.length}, sprite.frameCount});
+            }
+            if (each.cacheId) ++sprite.keyFrameCount;
+            const Bytes bytes = frameRecord(frames, each, sprite.frameCount++);
             sprite.timeline.insert(sprite.timeline.end(), bytes.begin(), bytes.end());
         }
-        sprite.keyFrameCount = static_cast<std::uint16_t>(keyFrames_.size());
-        keyFrames_.clear();
-        addRecord(value, [&] { return author::sprite(sprite); });
-    }
-
-    // Whatever a record cannot hold is the source's fault.
-    template <class Write>
-    void addRecord(const SourceValue& value, Write write) {
-        try {
-            movie_.records.push_back(write());
-        } catch (const std::logic_error& error) {
-            fail(value, std::string("too large for the format: ") + error.what());
-        }
+        sprite.labels = labelsOf(frames, compiled, mostSpriteLabelBytes);
+        if (const SourceValue* list = value.find("keyFrameList"))
+            sprite.keyFrames = frameList(*list, FrameLabels(frames));
+        build_.records.push_back(written(value, [&] { return author::sprite(sprite); }));
     }
 
     void writeDurations(const SourceValue& root, std::size_t frameCount) {
@@ -284,48 +144,81 @@ class MovieCompiler {
     }
 
     void writeProperties(const SourceValue& root, const std::vector<CompiledFrame>& frames) {
+        const SourceValue& where = memberOf(root, "frames");
         movie_.properties.frameCount(static_cast<std::uint16_t>(frames.size()));
         writeDurations(root, frames.size());
         if (const SourceValue* background = root.find("background"))
             movie_.properties.background(colourOf(*background));
-        std::vector<Label> labels;
-        for (std::size_t i = 0; i < frames.size(); ++i)
-            if (frames[i].label) labels.push_back({static_cast<std::uint16_t>(i), *frames[i].label});
-        for (const Label& label : labels)
-            if (label.name.size() > 255)
-                fail(root, "the label \"" + label.name.substr(0, 20) + "...\" has more than 255 bytes");
+        if (const SourceValue* list = root.find("commands")) {
+            const Bytes commands = compileCommands(*list, build_, {});
+            if (commands.size() > onePiece)
+                fail(*list,
+                     "too large for the format: these commands take " + std::to_string(commands.size()) + " bytes");
+            movie_.properties.commands(commands);
+        }
+        const std::vector<Label> labels = labelsOf(where, frames, mostLabelBytes);
         if (!labels.empty()) movie_.properties.labels(labels);
+        std::vector<Properties::KeyFrame> keyFrames;
+        for (std::size_t i = 0; i < frames.size(); ++i)
+            if (frames[i].cacheId) keyFrames.push_back({static_cast<std::uint16_t>(i), *frames[i].cacheId});
+        if (!keyFrames.empty()) movie_.properties.keyFrameIndex(keyFrames);
+        movie_.properties.dictionarySize(build_.names.dictionarySize());
+        if (movie_.properties.record().size() > onePiece)
+            fail(where,
+                 "too many commands, labels and key frames: they must fit " + std::to_string(onePiece) + " bytes");
     }
 
     void writeFrames(const SourceValue& root, const std::vector<CompiledFrame>& frames) {
         const SourceValue& where = memberOf(root, "frames");
         if (const SourceValue* background = root.find("background"))
-            movie_.records.push_back(backgroundColour(colourOf(*background)));
+            build_.records.push_back(backgroundColour(colourOf(*background)));
+        if (const SourceValue* list = root.find("keyFrameList"))
+            build_.records.push_back(
+                written(*list, [&] { return keyFrameList(frameList(*list, build_.names.labels())); }));
+        if (const SourceValue* list = root.find("purgeOrder"))
+            build_.records.push_back(written(*list, [&] { return purgeOrder(characterList(*list, build_.names)); }));
         for (std::size_t i = 0; i < frames.size(); ++i) {
-            if (frames[i].background) movie_.records.push_back(backgroundColour(*frames[i].background));
-            movie_.records.push_back(frameRecord(where, frames[i], i));
+            build_.records.insert(build_.records.end(), frames[i].before.begin(), frames[i].before.end());
+            if (frames[i].callable)
+                callables_.push_back({build_.records.size(), static_cast<std::uint16_t>(i), callableIn(frames[i])});
+            build_.records.push_back(frameRecord(where, frames[i], i));
         }
-        if (!keyFrames_.empty()) movie_.properties.keyFrameIndex(keyFrames_);
-        movie_.properties.dictionarySize(nextId_);
-        // The player reads this record in one piece.
-        constexpr std::size_t oneChunk = 6144 - vis::headerSize;
-        if (movie_.properties.record().size() > oneChunk)
-            fail(where, "too many labels and key frames: they must fit 6115 bytes");
     }
 
+    void writeTables(const SourceValue& root) {
+        if (const SourceValue* directory = root.find("directory")) movie_.scanDefinitions = !booleanOf(*directory);
+        std::vector<Name> names;
+        if (const SourceValue* table = root.find("nameTable"))
+            for (const auto& [name, value] : membersOf(*table))
+                names.push_back({build_.names.character(value).id, name});
+        const SourceValue& where = root.find("nameTable") ? *root.find("nameTable") : root;
+        written(where, [&] {
+            addLeadingTables(movie_, {.directorySize = build_.names.dictionarySize(),
+                                      .hasDirectory = !movie_.scanDefinitions,
+                                      .callables = callables_,
+                                      .names = names});
+            return Bytes{};
+        });
+        for (const Bytes& table : movie_.leading)
+            if (table[0] != static_cast<std::uint8_t>(RecordType::characterDirectory) && table.size() > onePiece)
+                fail(where, "the names of the characters, and what scripts call, must fit " + std::to_string(onePiece) +
+                                " bytes each");
+    }
+
+    // Players read such records in one piece; the header of the content is in front of the first.
+    static constexpr std::size_t onePiece = 6144 - vis::headerSize;
+
     MovieFile movie_;
-    std::map<std::string, SourceCharacter> characters_;
-    std::vector<std::pair<std::uint16_t, SourcePaint>> inlineFills_;
-    std::vector<Properties::KeyFrame> keyFrames_;  // of the timeline that is being written
-    std::set<std::pair<const SourceCharacter*, const SourceCharacter*>> nested_;  // sprite, sprite on its timeline
-    std::uint16_t nextId_ = 1;
+    SourceBuild build_;
+    ShapeCompiler shapes_{build_};
+    std::vector<CallableFrame> callables_;
 };
 
 }  // namespace
 
-MovieFile buildMovie(std::string_view source) {
+MovieFile buildMovie(std::string_view source, const ReadSourceFile& readFile) {
     const SourceValue root = parseSource(source);
-    return MovieCompiler().compile(root);
+    return MovieCompiler(readFile).compile(root);
 }
 
 }  // namespace qel::author

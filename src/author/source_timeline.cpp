@@ -1,72 +1,13 @@
 #include "author/source_timeline.h"
 
 #include <algorithm>
-#include <cmath>
-#include <numbers>
 
 #include "author/frame_items.h"
-#include "format/integers.h"
+#include "author/source_commands.h"
+#include "author/source_placement.h"
 
 namespace qel::author {
 namespace {
-
-// Where an instance stands, in the terms of the source.
-struct Placement {
-    double x = 0, y = 0;
-    double scaleX = 1, scaleY = 1;
-    double rotate = 0;             // degrees, clockwise
-    std::optional<Matrix> matrix;  // given as it is
-};
-
-std::int32_t fixed(double value) { return static_cast<std::int32_t>(std::llround(value * fixedOne)); }
-
-Matrix matrixOf(const Placement& placement) {
-    if (placement.matrix) return *placement.matrix;
-    const double angle = placement.rotate * std::numbers::pi / 180;
-    const double cosine = std::cos(angle), sine = std::sin(angle);
-    return {.a = fixed(placement.scaleX * cosine),
-            .b = fixed(placement.scaleX * sine),
-            .c = fixed(-placement.scaleY * sine),
-            .d = fixed(placement.scaleY * cosine),
-            .tx = static_cast<std::int16_t>(std::lround(placement.x)),
-            .ty = static_cast<std::int16_t>(std::lround(placement.y))};
-}
-
-double numberBetween(const SourceValue& value, double least, double most) {
-    const double number = numberOf(value);
-    if (!(number >= least && number <= most))
-        fail(value, "a number from " + std::to_string(std::int64_t(least)) + " to " +
-                        std::to_string(std::int64_t(most)) + " belongs here");
-    return number;
-}
-
-double boundedNumber(const SourceValue& value, double most) { return numberBetween(value, -most, most); }
-
-constexpr double mostPixels = 32767, mostScale = 4000, mostDegrees = 1e6;
-
-// Changes what the object names of a placement; true when it names anything.
-bool readPlacement(const SourceValue& object, Placement& placement) {
-    bool any = false;
-    const auto take = [&](const char* name, double most, std::initializer_list<double*> fields) {
-        const SourceValue* value = object.find(name);
-        if (!value) return;
-        for (double* field : fields) *field = boundedNumber(*value, most);
-        placement.matrix.reset();
-        any = true;
-    };
-    take("x", mostPixels, {&placement.x});
-    take("y", mostPixels, {&placement.y});
-    take("scale", mostScale, {&placement.scaleX, &placement.scaleY});
-    take("scaleX", mostScale, {&placement.scaleX});
-    take("scaleY", mostScale, {&placement.scaleY});
-    take("rotate", mostDegrees, {&placement.rotate});
-    if (const SourceValue* matrix = object.find("matrix")) {
-        if (any) fail(*matrix, "a matrix says all there is; x, y, scale and rotate do not stand beside it");
-        placement.matrix = readMatrix(*matrix);
-        any = true;
-    }
-    return any;
-}
 
 // How a tween's time becomes its progress, both from 0 to 1.
 enum class Ease : std::uint8_t { linear, in, out, inOut };
@@ -107,71 +48,172 @@ Placement between(const Tween& tween) {
             .matrix = {}};
 }
 
+constexpr std::uint16_t noInstanceNumber = 65535;
+
+ClipHandler handlerOf(const SourceValue& value, const ReadSourceFile& readFile) {
+    allowOnly(value, {"on", "code"});
+    ClipHandler handler;
+    const std::pair<const char*, bool*> events[] = {{"load", &handler.onLoad},
+                                                    {"unload", &handler.onUnload},
+                                                    {"every-frame", &handler.onFrame},
+                                                    {"event4", &handler.fourth},
+                                                    {"event5", &handler.fifth}};
+    const SourceValue& on = memberOf(value, "on");
+    const auto take = [&](const SourceValue& name) {
+        const auto found = std::ranges::find_if(events, [&](const auto& event) { return textOf(name) == event.first; });
+        if (found == std::end(events))
+            fail(name, "\"" + name.text + "\" is no event; use load, unload, every-frame, event4 or event5");
+        *found->second = true;
+    };
+    if (on.kind == SourceValue::Kind::list)
+        for (const SourceValue& name : on.items) take(name);
+    else
+        take(on);
+    handler.code = dataOf(memberOf(value, "code"), readFile);
+    return handler;
+}
+
+// An instance, and what a key frame has to say of it.
 struct Instance {
-    std::string name;
-    PlacedCharacter character;
-    std::uint16_t number = 0;  // identity of a clip's placement, so that key frames find it again
+    std::string name;  // of the source
+    const SourceCharacter* character = nullptr;
+    std::optional<std::uint16_t> number;  // identity of a clip's placement, so that key frames find it again
+    std::string clipName;                 // for scripts
+    std::vector<ClipHandler> handlers;
     Placement placement;
     Matrix written;  // as the content has it
     std::optional<Tween> tween;
-    std::optional<std::uint8_t> alpha;
+    std::optional<std::uint16_t> ratio;
     std::optional<ColourTransform> colour;
-};
+    std::optional<std::uint8_t> alpha;  // after the colour
 
-ColourTransform colourTransformOf(const SourceValue& object) {
-    allowOnly(object, {"redMultiplier", "greenMultiplier", "blueMultiplier", "alphaMultiplier", "redOffset",
-                       "greenOffset", "blueOffset", "alphaOffset"});
-    ColourTransform transform;
-    const auto multiplier = [&](const char* name, std::uint16_t& field) {
-        if (const SourceValue* value = object.find(name))
-            field = static_cast<std::uint16_t>(std::lround(numberBetween(*value, 0, 127) * 256));
-    };
-    const auto offset = [&](const char* name, std::int16_t& field) {
-        if (const SourceValue* value = object.find(name))
-            field = static_cast<std::int16_t>(integerOf(*value, -255, 255));
-    };
-    multiplier("redMultiplier", transform.redMultiplier);
-    multiplier("greenMultiplier", transform.greenMultiplier);
-    multiplier("blueMultiplier", transform.blueMultiplier);
-    multiplier("alphaMultiplier", transform.alphaMultiplier);
-    offset("redOffset", transform.redOffset);
-    offset("greenOffset", transform.greenOffset);
-    offset("blueOffset", transform.blueOffset);
-    offset("alphaOffset", transform.alphaOffset);
-    return transform;
-}
+    bool isClip() const { return character->kind == SourceCharacter::Kind::sprite; }
+};
 
 class TimelineCompiler {
   public:
-    explicit TimelineCompiler(const FindCharacter& findCharacter) : findCharacter_(findCharacter) {}
+    TimelineCompiler(SourceBuild& build, const SourceCharacter* sprite) : build_(build), sprite_(sprite) {}
 
     void compile(const SourceValue& step) {
-        allowOnly(step, {"place", "move", "tween", "remove", "alpha", "colour", "label", "key", "background", "hold"});
+        allowOnly(step,
+                  {"place",      "move",      "tween",      "remove",           "ratio",      "colour",  "alpha",
+                   "label",      "key",       "identifier", "background",       "purgeOrder", "release", "hold",
+                   "startSound", "stopSound", "volume",     "purgeOrderUpdate", "commands",   "actions", "callable"});
         CompiledFrame frame;
         if (const SourceValue* label = step.find("label")) frame.label = textOf(*label);
-        if (const SourceValue* background = step.find("background")) frame.background = colourOf(*background);
-        if (const SourceValue* key = step.find("key")) frame.isKey = booleanOf(*key);
+        if (isKeyFrame(step)) frame.cacheId = cacheIdFor(step);
+        addRecords(frame, step);
         advanceTweens();
-        if (const SourceValue* removed = step.find("remove")) remove(*removed);
-        if (const SourceValue* placed = step.find("place"))
-            for (const auto& [name, value] : membersOf(*placed)) placeInstance(name, value);
-        if (const SourceValue* moved = step.find("move"))
-            for (const auto& [name, value] : membersOf(*moved)) moveInstance(name, value);
-        if (const SourceValue* tweens = step.find("tween"))
-            for (const auto& [name, value] : membersOf(*tweens)) beginTween(name, value);
-        if (const SourceValue* alphas = step.find("alpha"))
-            for (const auto& [name, value] : membersOf(*alphas)) setAlpha(name, value);
-        if (const SourceValue* colours = step.find("colour"))
-            for (const auto& [name, value] : membersOf(*colours)) setColour(name, value);
-        if (frame.isKey) rebuild();
+        changeInstances(step);
+        if (frame.cacheId) rebuild();
+        addSounds(step);
+        if (const SourceValue* update = step.find("purgeOrderUpdate")) updatePurgeOrder(*update);
+        if (const SourceValue* list = step.find("commands")) addCommands(*list);
+        addActions(frame, step);
         push(std::move(frame), step);
         hold(step);
+    }
+
+    // Numbers that the source gives to placements itself; others take what is left.
+    void reserveNumbers(const SourceValue& frames) {
+        for (const SourceValue& step : listOf(frames))
+            if (const SourceValue* placed = step.find("place"))
+                for (const auto& [name, value] : membersOf(*placed))
+                    if (const SourceValue* number = value.find("number")) givenNumbers_.insert(numberFrom(*number));
     }
 
     std::vector<CompiledFrame> take() { return std::move(frames_); }
 
   private:
     void add(const Bytes& item) { items_.insert(items_.end(), item.begin(), item.end()); }
+
+    std::uint16_t cacheIdFor(const SourceValue& step) {
+        if (!sprite_) return build_.names.keyFrameAt(frames_.size());
+        const SourceValue* given = step.find("identifier");
+        return given ? static_cast<std::uint16_t>(integerOf(*given, 1, noCharacter - 1)) : build_.names.newId(step);
+    }
+
+    // What stands in front of the frame in the stream, where a sprite's timeline has nothing but frames.
+    void addRecords(CompiledFrame& frame, const SourceValue& step) {
+        const auto take = [&](const char* field) {
+            const SourceValue* value = step.find(field);
+            if (value && sprite_) fail(*value, "this belongs into the movie's own frames, not into a sprite's");
+            return value;
+        };
+        if (const SourceValue* value = take("background")) frame.before.push_back(backgroundColour(colourOf(*value)));
+        if (const SourceValue* value = take("purgeOrder"))
+            frame.before.push_back(written(*value, [&] { return purgeOrder(characterList(*value, build_.names)); }));
+        if (const SourceValue* value = take("release"))
+            frame.before.push_back(
+                written(*value, [&] { return releaseCharacters(characterList(*value, build_.names)); }));
+    }
+
+    void changeInstances(const SourceValue& step) {
+        const auto each = [&](const char* field, auto change) {
+            if (const SourceValue* values = step.find(field))
+                for (const auto& [name, value] : membersOf(*values)) change(name, value);
+        };
+        if (const SourceValue* removed = step.find("remove")) remove(*removed);
+        each("place", [&](const std::string& name, const SourceValue& value) { placeInstance(name, value); });
+        each("move", [&](const std::string& name, const SourceValue& value) { moveInstance(name, value); });
+        each("tween", [&](const std::string& name, const SourceValue& value) { beginTween(name, value); });
+        each("ratio", [&](const std::string& name, const SourceValue& value) { setRatio(name, value); });
+        each("colour", [&](const std::string& name, const SourceValue& value) { setColour(name, value); });
+        each("alpha", [&](const std::string& name, const SourceValue& value) { setAlpha(name, value); });
+    }
+
+    void addSounds(const SourceValue& step) {
+        const auto each = [&](const char* field, Bytes (*item)(std::uint16_t)) {
+            const SourceValue* value = step.find(field);
+            if (!value) return;
+            const auto addOne = [&](const SourceValue& name) {
+                add(item(build_.names.characterOf(name, SourceCharacter::Kind::sound, "sound")));
+            };
+            if (value->kind != SourceValue::Kind::list) return addOne(*value);
+            for (const SourceValue& name : value->items) addOne(name);
+        };
+        if (const SourceValue* loudness = step.find("volume"))
+            add(volume(static_cast<std::uint8_t>(integerOf(*loudness, 0, 255))));
+        each("stopSound", author::stopSound);
+        each("startSound", author::startSound);
+    }
+
+    void updatePurgeOrder(const SourceValue& update) {
+        std::vector<PurgePosition> positions;
+        for (const auto& [name, value] : membersOf(update))
+            positions.push_back(
+                {build_.names.characterCalled(name, value).id, static_cast<std::uint8_t>(integerOf(value, 1, 255))});
+        add(written(update, [&] { return purgeOrderUpdate(positions); }));
+    }
+
+    void addCommands(const SourceValue& list) {
+        CommandPlace place;
+        if (!sprite_) {
+            place.findInstance = [this](const std::string& name) -> std::optional<TargetPosition> {
+                const auto found = find(name);
+                if (found == instances_.end()) return std::nullopt;
+                return TargetPosition{found->character->id, depthOf(*found)};
+            };
+        }
+        const Bytes commandList = compileCommands(list, build_, place);
+        add(written(list, [&] { return commands(commandList); }));
+    }
+
+    // Code comes last, so that it finds the frame as it stands.
+    void addActions(CompiledFrame& frame, const SourceValue& step) {
+        const std::size_t begin = items_.size();
+        if (const SourceValue* code = step.find("actions")) {
+            if (code->kind == SourceValue::Kind::list) {
+                for (const SourceValue& each : code->items) add(actions(dataOf(each, build_.readFile)));
+            } else {
+                add(actions(dataOf(*code, build_.readFile)));
+            }
+        }
+        const SourceValue* callable = step.find("callable");
+        if (!callable || !booleanOf(*callable)) return;
+        if (items_.size() == begin) fail(*callable, "a frame that scripts call has \"actions\"");
+        frame.callable = Location{static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(items_.size() - begin)};
+    }
 
     std::uint8_t depthOf(const Instance& instance) const {
         return static_cast<std::uint8_t>(&instance - instances_.data());
@@ -231,14 +273,19 @@ class TimelineCompiler {
     }
 
     void writePlacement(Instance& instance) {
-        if (instance.character.isSprite) add(instanceNumber(instance.number));
-        add(place(instance.character.id, depthOf(instance)));
+        const std::uint16_t id = instance.character->id;
+        if (instance.number) add(instanceNumber(*instance.number));
+        if (instance.clipName.empty() && instance.handlers.empty())
+            add(place(id, depthOf(instance)));
+        else
+            add(placeClip({id, depthOf(instance), instance.clipName, instance.handlers}));
         instance.written = identityMatrix;
         // A clip is stepped when it is moved, so it is moved even to where it is.
-        if (instance.character.isSprite) instance.written = {};
+        if (instance.isClip()) instance.written = {};
         writeMatrix(instance);
-        if (instance.alpha) add(author::alpha(depthOf(instance), *instance.alpha));
+        if (instance.ratio) add(author::ratio(depthOf(instance), *instance.ratio));
         if (instance.colour) add(author::colour(depthOf(instance), *instance.colour));
+        if (instance.alpha) add(author::alpha(depthOf(instance), *instance.alpha));
     }
 
     void remove(const SourceValue& names) {
@@ -260,21 +307,43 @@ class TimelineCompiler {
     }
 
     void placeInstance(const std::string& name, const SourceValue& value) {
-        allowOnly(value, {"character", "above", "below", "x", "y", "scale", "scaleX", "scaleY", "rotate", "matrix"});
+        allowOnly(value, {"character", "above", "below", "number", "name", "handlers", "x", "y", "scale", "scaleX",
+                          "scaleY", "rotate", "matrix"});
         if (find(name) != instances_.end()) fail(value, "\"" + name + "\" is placed already");
         constexpr std::size_t mostInstances = 256;
         if (instances_.size() == mostInstances) fail(value, "a timeline holds at most 256 instances at a time");
         Instance instance;
         instance.name = name;
-        instance.character = findCharacter_(memberOf(value, "character"));
-        if (instance.character.isSprite) {
-            constexpr std::uint16_t mostNumbers = 65534;
-            if (nextNumber_ == mostNumbers) fail(value, "too many sprites are placed on this timeline");
-            instance.number = ++nextNumber_;
-        }
+        instance.character = &placedIn(build_, sprite_, memberOf(value, "character"));
+        identify(instance, value);
         readPlacement(value, instance.placement);
         const auto at = instances_.begin() + static_cast<std::ptrdiff_t>(positionFor(value));
         writePlacement(*instances_.insert(at, std::move(instance)));
+    }
+
+    static std::uint16_t numberFrom(const SourceValue& value) {
+        return static_cast<std::uint16_t>(integerOf(value, 0, noInstanceNumber - 1));
+    }
+
+    // The name, the number and the code of a placement. Only clips need a number: key frames find them again by it.
+    void identify(Instance& instance, const SourceValue& value) {
+        constexpr std::size_t mostText = 255;
+        const SourceValue* number = value.find("number");
+        if (number) instance.number = numberFrom(*number);
+        if (!number && instance.isClip()) {
+            do {
+                if (nextNumber_ == noInstanceNumber - 1) fail(value, "too many sprites are placed on this timeline");
+                ++nextNumber_;
+            } while (givenNumbers_.contains(nextNumber_));
+            instance.number = nextNumber_;
+        }
+        const SourceValue *name = value.find("name"), *handlers = value.find("handlers");
+        for (const SourceValue* field : {name, handlers})
+            if (field && !instance.isClip()) fail(*field, "only sprites have names and handlers");
+        if (name) instance.clipName = contentTextOf(*name, mostText);
+        if (handlers)
+            for (const SourceValue& handler : listOf(*handlers))
+                instance.handlers.push_back(handlerOf(handler, build_.readFile));
     }
 
     void moveInstance(const std::string& name, const SourceValue& value) {
@@ -298,20 +367,30 @@ class TimelineCompiler {
         instance.tween = tween;
     }
 
+    void setRatio(const std::string& name, const SourceValue& value) {
+        Instance& instance = existing(name, value);
+        instance.ratio = static_cast<std::uint16_t>(integerOf(value, 0, 65535));
+        add(author::ratio(depthOf(instance), *instance.ratio));
+    }
+
+    // A colour transform says all of the colour, the alpha of before included.
+    void setColour(const std::string& name, const SourceValue& value) {
+        Instance& instance = existing(name, value);
+        instance.colour = readColourTransform(value);
+        instance.alpha.reset();
+        add(author::colour(depthOf(instance), *instance.colour));
+    }
+
     void setAlpha(const std::string& name, const SourceValue& value) {
         Instance& instance = existing(name, value);
         instance.alpha = static_cast<std::uint8_t>(integerOf(value, 0, 255));
         add(author::alpha(depthOf(instance), *instance.alpha));
     }
 
-    void setColour(const std::string& name, const SourceValue& value) {
-        Instance& instance = existing(name, value);
-        instance.colour = colourTransformOf(value);
-        add(author::colour(depthOf(instance), *instance.colour));
-    }
-
-    const FindCharacter& findCharacter_;
+    SourceBuild& build_;
+    const SourceCharacter* sprite_;    // whose timeline it is; null for the movie's own
     std::vector<Instance> instances_;  // in drawing order
+    std::set<std::uint16_t> givenNumbers_;
     std::uint16_t nextNumber_ = 0;
     Bytes items_;
     std::vector<CompiledFrame> frames_;
@@ -319,23 +398,28 @@ class TimelineCompiler {
 
 }  // namespace
 
-Matrix readMatrix(const SourceValue& value) {
-    const auto& items = listOf(value);
-    if (items.size() != 6) fail(value, "a matrix has six numbers: a, b, c, d, tx, ty");
-    return {.a = fixed(boundedNumber(items[0], mostScale)),
-            .b = fixed(boundedNumber(items[1], mostScale)),
-            .c = fixed(boundedNumber(items[2], mostScale)),
-            .d = fixed(boundedNumber(items[3], mostScale)),
-            .tx = static_cast<std::int16_t>(std::lround(boundedNumber(items[4], mostPixels))),
-            .ty = static_cast<std::int16_t>(std::lround(boundedNumber(items[5], mostPixels)))};
-}
-
-std::vector<CompiledFrame> compileFrames(const SourceValue& frames, const FindCharacter& findCharacter) {
-    TimelineCompiler compiler(findCharacter);
+std::vector<CompiledFrame> compileFrames(const SourceValue& frames, SourceBuild& build, const SourceCharacter* sprite) {
+    TimelineCompiler compiler(build, sprite);
+    compiler.reserveNumbers(frames);
     for (const SourceValue& step : listOf(frames)) compiler.compile(step);
     std::vector<CompiledFrame> compiled = compiler.take();
     if (compiled.empty()) fail(frames, "a timeline has at least one frame");
     return compiled;
+}
+
+Bytes frameRecord(const SourceValue& where, const CompiledFrame& compiled, std::size_t number) {
+    try {
+        return compiled.cacheId ? keyFrame(*compiled.cacheId, static_cast<std::uint16_t>(number), compiled.items)
+                                : frame(compiled.items);
+    } catch (const std::length_error&) {
+        fail(where, "frame " + std::to_string(number) + " has more items than a frame record holds");
+    }
+}
+
+Location callableIn(const CompiledFrame& compiled) {
+    constexpr std::uint32_t recordHeader = 3, cacheId = 2, frameNumber = 2;
+    const std::uint32_t items = recordHeader + cacheId + (compiled.cacheId ? frameNumber : 0);
+    return {items + compiled.callable->offset, compiled.callable->length};
 }
 
 }  // namespace qel::author

@@ -2,37 +2,31 @@
 // positions in the drawing order, which shift with everything that comes and goes.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "author/records.h"
-#include "author/source_document.h"
+#include "author/source_build.h"
 
 namespace qel::author {
 
-// What placing a character needs to know of it.
-struct PlacedCharacter {
-    std::uint16_t id = 0;
-    bool isSprite = false;
-};
-
 // One frame record and what the source says beside it.
 struct CompiledFrame {
+    std::vector<Bytes> before;  // records that stand in front of it; only on the movie's own timeline
     Bytes items;
-    bool isKey = false;
+    std::optional<std::uint16_t> cacheId;  // of a key frame
     std::optional<std::string> label;
-    std::optional<std::uint32_t> background;  // 0xRRGGBB, from this frame on
+    // The items of a frame that scripts call: its action code, as a part of `items`.
+    std::optional<Location> callable;
 };
 
-// The matrix that [a, b, c, d, tx, ty] says. Throws SourceError.
-Matrix readMatrix(const SourceValue& value);
+// The timeline of a sprite, or the movie's own (null). Throws SourceError.
+std::vector<CompiledFrame> compileFrames(const SourceValue& frames, SourceBuild& build, const SourceCharacter* sprite);
 
-// `findCharacter` answers for the name in a value, or throws SourceError.
-using FindCharacter = std::function<PlacedCharacter(const SourceValue& name)>;
-
-// Throws SourceError.
-std::vector<CompiledFrame> compileFrames(const SourceValue& frames, const FindCharacter& findCharacter);
+// The record of a frame, the `number`-th of its timeline, counted from 0. `where` is to blame when it is too large.
+Bytes frameRecord(const SourceValue& where, const CompiledFrame& compiled, std::size_t number);
+// Where the callable items of that frame lie in its record.
+Location callableIn(const CompiledFrame& compiled);
 
 }  // namespace qel::author

@@ -1,9 +1,12 @@
 // qel build: makes a movie from a readable source.
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <memory>
+#include <optional>
 
 #include "author/source_movie.h"
 #include "cli/command_line.h"
@@ -38,11 +41,25 @@ bool writeFile(const std::string& path, const author::Bytes& bytes) {
     return file.good();
 }
 
+// The bytes of a file beside the source.
+std::optional<author::Bytes> readBeside(const std::string& source, const std::string& name) {
+    constexpr std::uintmax_t mostBytes = 16 * 1024 * 1024;
+    const std::filesystem::path path = std::filesystem::path(source).parent_path() / name;
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error) || std::filesystem::file_size(path, error) > mostBytes)
+        return std::nullopt;
+    std::ifstream file(path, std::ios::binary);
+    author::Bytes bytes{std::istreambuf_iterator<char>(file), {}};
+    if (!file || file.bad()) return std::nullopt;
+    return bytes;
+}
+
 int build(const BuildOptions& options) {
     std::string source;
     if (!readText(options.source, source)) return badUsage;
     try {
-        author::Bytes bytes = visFile(author::buildMovie(source));
+        author::Bytes bytes = visFile(author::buildMovie(
+            source, [&options](const std::string& name) { return readBeside(options.source, name); }));
         if (options.compressed || options.output.ends_with(".zvis")) bytes = author::zvisFile(bytes);
         if (writeFile(options.output, bytes)) return success;
         std::cerr << "qel build: " << options.output << ": cannot be written\n";

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 namespace qel {
 
@@ -40,6 +41,17 @@ enum class CommandNumber : std::uint8_t {
 
 // The first byte of a command's body: a key code, or one of these.
 enum class CommandEvent : std::uint8_t { anyKey = 253, unhandledKey = 254, everyFrame = 255 };
+
+// What tools call the events that are no keys.
+struct CommandEventName {
+    std::string_view name;
+    CommandEvent event;
+};
+inline constexpr CommandEventName commandEventNames[] = {
+    {"any-key", CommandEvent::anyKey},
+    {"default", CommandEvent::unhandledKey},
+    {"every-frame", CommandEvent::everyFrame},
+};
 
 inline constexpr unsigned longCommandSizeCode = 3;
 

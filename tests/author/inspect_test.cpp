@@ -147,12 +147,12 @@ TEST(Inspect, SaysInWordsWhatFrameItemsAndCommandsDo) {
          "purgeOrderUpdate (11) characters (7) positions (2)"},
         {actions(Bytes{0x96, 2, 0, 'a', 0, 0x17, 0}), "actions (14) actions 2 actionBytes 7"},
         {commands(command(CommandNumber::frameLoop, loop.take())),
-         "frameLoop (10) event 255 when everyFrame firstKeyFrame 7 lastFrame 12 count 3 keyFrameAfter 7"},
+         "frameLoop (10) event 255 when every-frame firstKeyFrame 7 lastFrame 12 count 3 keyFrameAfter 7"},
         {commands(command(CommandNumber::scrollBy, moved.take())), "scrollBy (14) event 53 when key by (-3, 8)"},
         {commands(textCommand(CommandNumber::openUrl, 254, "a\"\x01")),
-         "openUrl (11) event 254 when unhandledKey url \"a\\\"\\x01\""},
+         "openUrl (11) event 254 when default url \"a\\\"\\x01\""},
         {commands(command(CommandNumber::vibrate, Bytes{253, 5})),
-         "vibrate (12) event 253 when anyKey milliseconds 500"},
+         "vibrate (12) event 253 when any-key milliseconds 500"},
         {commands(command(CommandNumber::fade, Bytes{49, 0xF6, 0xFF})), "fade (27) event 49 when key change -10"},
     };
     for (const auto& [bytes, line] : cases) {

@@ -77,7 +77,7 @@ TEST(SourceTimeline, BuildsKeyFramesFromNothing) {
         {"key": true, "label": "again", "move": {"i": {"x": 5}}})";
     const auto frames = framesOf(source);
     ASSERT_EQ(frames.size(), 3u);
-    constexpr std::uint16_t firstCache = 5, secondCache = 6;  // behind a, b, s and the colour
+    constexpr std::uint16_t firstCache = 4, secondCache = 5;  // behind a, b and s
     EXPECT_EQ(frames[0],
               keyFrame(firstCache, 0,
                        joined({instanceNumber(1), place(idOfS, 0), move(0, at(0, 0)), place(idOfA, 1), alpha(1, 40)})));
@@ -241,7 +241,8 @@ TEST(SourceErrors, NameTheCharacter) {
         std::size_t line;
         const char *field, *message;
     } cases[] = {
-        {"\"x\": {}", 1, "characters/x", "\"x\" has none of fill, gradient, line, shape, sprite"},
+        {"\"x\": {}", 1, "characters/x", "\"x\" has none of fill, gradient, line, shape, sprite, button, commandButton, sound, textField, "
+         "compressionTable"},
         {"\"x\":\n{\"fill\": \"red\"}", 2, "characters/x/fill", "\"red\" is no colour; write #rrggbb or #rrggbbaa"},
         {"\"x\": {\"fill\": \"#ffffff\",\n\"line\": \"#ffffff\"}", 2, "characters/x/line",
          "\"x\" can be only one thing"},
