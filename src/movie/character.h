@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <utility>
 
 #include "format/record_types.h"
@@ -21,6 +22,21 @@ struct Character {
 
 // Frees a character with everything it owns. Nobody may hold it.
 void destroyCharacter(Character* character);
+
+// Owns a character that is not in the dictionary yet.
+struct CharacterDelete {
+    void operator()(Character* character) const { destroyCharacter(character); }
+};
+using CharacterPtr = std::unique_ptr<Character, CharacterDelete>;
+
+template <class T>
+PoolPtr<T> makeCharacter(Pool& pool, CharacterKind kind) {
+    PoolPtr<T> made = makePooled<T>(pool);
+    if (!made) return made;
+    made->kind = kind;
+    made->pool = &pool;
+    return made;
+}
 
 inline void destroyIfAbandoned(Character& character) {
     if (character.holders == 0 && !character.inDictionary) destroyCharacter(&character);

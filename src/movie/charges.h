@@ -45,12 +45,40 @@ template <>
 inline constexpr std::uint32_t charge<struct StyleGroup> = 16;
 template <>
 inline constexpr std::uint32_t charge<struct Sprite> = 40;
+template <>
+inline constexpr std::uint32_t charge<struct SpriteBlock> = 6;
+template <>
+inline constexpr std::uint32_t charge<struct SpriteLabel> = 42;
+template <>
+inline constexpr std::uint32_t charge<struct Sound> = 20;
+template <>
+inline constexpr std::uint32_t charge<struct Button> = 20;
+template <>
+inline constexpr std::uint32_t charge<struct ButtonCondition> = 20;
+template <>
+inline constexpr std::uint32_t charge<struct CommandButton> = 16;
+template <>
+inline constexpr std::uint32_t charge<struct EditText> = 416;
+template <>
+inline constexpr std::uint32_t charge<struct FrameCache> = 12;
+template <>
+inline constexpr std::uint32_t charge<struct CompressionTable> = 8;
 
 // Display objects, each with its node in a list.
 template <>
 inline constexpr std::uint32_t charge<struct ShapeInstance> = 164;
 template <>
+inline constexpr std::uint32_t charge<struct ButtonInstance> = 120;
+template <>
 inline constexpr std::uint32_t charge<struct ClipInstance> = 204;
+template <>
+inline constexpr std::uint32_t charge<struct TextInstance> = 120;
+template <>
+inline constexpr std::uint32_t charge<struct ClipKeyFrame> = 8;
+template <>
+inline constexpr std::uint32_t charge<struct ClipHandler> = 16;
+template <>
+inline constexpr std::uint32_t charge<struct FillCopy> = 8;
 template <>
 inline constexpr std::uint32_t charge<struct FillEdge> = 24;
 template <>

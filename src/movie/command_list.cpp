@@ -70,7 +70,7 @@ Result readCommands(ContentReader reader, Pool& pool, CommandList& list) {
         const std::span<const std::uint8_t> body = reader.take(size);
         if (!reader.ok()) return Result::badContent;
         const std::uint8_t code = internalCodes[header >> 2];
-        if (code == noCode) continue;
+        if (code == noCode || body.empty()) continue;  // also one that waits for nothing
         if (failed(keepCommand(static_cast<CommandCode>(code), body, pool, list))) return Result::outOfMemory;
     }
     return Result::done;

@@ -42,7 +42,7 @@ enum class CommandCode : std::uint8_t {
 
 struct Command {
     CommandCode code = CommandCode::requestStop;
-    // As stored, the event code first, with a zero behind it so that a text in it ends.
+    // As stored, at least the event code, which comes first; a zero behind it so that a text in it ends.
     PoolArray<std::uint8_t> body;
 };
 

@@ -1,6 +1,11 @@
 #include "movie/dictionary.h"
 
-#include "movie/definitions.h"
+#include "movie/button.h"
+#include "movie/compression_table.h"
+#include "movie/edit_text.h"
+#include "movie/first_use.h"
+#include "movie/frame_cache.h"
+#include "movie/sound_character.h"
 #include "movie/sprite.h"
 #include "render/shape.h"
 
@@ -26,15 +31,36 @@ void giveUp(DictionaryEntry& entry) {
     destroyIfAbandoned(*object);
 }
 
+void store(DictionaryEntry& entry, CharacterPtr object) {
+    entry.kind = object->kind;
+    entry.object = object.release();
+    entry.object->inDictionary = true;
+}
+
 bool isIdle(const Character* object) { return object && object->useCount == 0 && object->holders == 0; }
 
-// Gives up the idle objects of one kind, in identifier order, until `bytes` have come back.
-bool purgeKind(CharacterDictionary& dictionary, CharacterKind kind, std::uint32_t bytes, std::uint32_t& freed) {
+// Gives up the idle objects whose kind `wanted` names, in identifier order, until `bytes` have come back.
+template <class Wanted>
+bool purgeKinds(CharacterDictionary& dictionary, Wanted wanted, std::uint32_t bytes, std::uint32_t& freed) {
     for (std::uint32_t id = 0; id < dictionary.entries.size() && freed < bytes; ++id) {
         const Character* object = dictionary.entries[id].object;
-        if (isIdle(object) && object->kind == kind) freed += freeCharacter(dictionary, static_cast<std::uint16_t>(id));
+        if (isIdle(object) && wanted(object->kind)) freed += freeCharacter(dictionary, static_cast<std::uint16_t>(id));
     }
     return freed >= bytes;
+}
+
+// Gives up what the content's own order lists, from its last entry to its first.
+bool purgeInOrder(CharacterDictionary& dictionary, std::uint32_t bytes, std::uint32_t freed) {
+    for (std::uint32_t i = dictionary.purgeOrder.size(); i > 0 && freed < bytes; --i) {
+        const std::uint16_t id = dictionary.purgeOrder[i - 1];
+        const DictionaryEntry* entry = findEntry(dictionary, id);
+        if (entry && isIdle(entry->object)) freed += freeCharacter(dictionary, id);
+    }
+    return freed >= bytes;
+}
+
+constexpr bool isBitmap(CharacterKind kind) {
+    return kind == CharacterKind::bitmap || kind == CharacterKind::alphaBitmap;
 }
 
 }  // namespace
@@ -45,6 +71,12 @@ void destroyCharacter(Character* character) {
         case CharacterKind::solidFill: return destroyAs<SolidFill>(character);
         case CharacterKind::lineStyle: return destroyAs<LineStyle>(character);
         case CharacterKind::sprite: return destroyAs<Sprite>(character);
+        case CharacterKind::sound: return destroyAs<Sound>(character);
+        case CharacterKind::button: return destroyAs<Button>(character);
+        case CharacterKind::commandButton: return destroyAs<CommandButton>(character);
+        case CharacterKind::editText: return destroyAs<EditText>(character);
+        case CharacterKind::frameCache: return destroyAs<FrameCache>(character);
+        case CharacterKind::compressionTable: return destroyAs<CompressionTable>(character);
         default: return;  // kinds that are never decoded
     }
 }
@@ -70,15 +102,30 @@ Lookup lookupCharacter(CharacterDictionary& dictionary, std::uint16_t id) {
     DictionaryEntry* entry = findEntry(dictionary, id);
     if (!entry || entry->length == 0) return {};
     if (!entry->object) {
-        Character* decoded = nullptr;
+        CharacterPtr decoded;
         const Result result = decodeDefinition(dictionary, id, *entry, decoded);
         if (!decoded) return {nullptr, result};
-        decoded->inDictionary = true;
-        entry->object = decoded;
-        entry->kind = decoded->kind;
+        store(*entry, std::move(decoded));
     }
     if (countsUses(entry->object->kind)) ++entry->object->useCount;
     return {entry->object, Result::done};
+}
+
+bool isDecoded(const CharacterDictionary& dictionary, std::uint16_t id) {
+    return id < dictionary.entries.size() && dictionary.entries[id].object != nullptr;
+}
+
+bool awaitsDecoding(const CharacterDictionary& dictionary, std::uint16_t id, std::uint32_t offset) {
+    if (id >= dictionary.entries.size()) return false;
+    const DictionaryEntry& entry = dictionary.entries[id];
+    return entry.length == 0 || (!entry.object && entry.offset == offset);
+}
+
+void setCharacter(CharacterDictionary& dictionary, std::uint16_t id, std::uint32_t offset, std::uint32_t length,
+                  CharacterPtr object) {
+    if (!awaitsDecoding(dictionary, id, offset)) return;
+    registerCharacter(dictionary, id, object->kind, offset, length);
+    store(dictionary.entries[id], std::move(object));
 }
 
 void releaseCharacter(Character& character) {
@@ -99,9 +146,12 @@ void freeCharacters(CharacterDictionary& dictionary) {
 
 bool purgeCharacters(CharacterDictionary& dictionary, std::uint32_t bytes) {
     std::uint32_t freed = 0;
-    for (const CharacterKind kind : {CharacterKind::shape, CharacterKind::sound, CharacterKind::bitmap})
-        if (purgeKind(dictionary, kind, bytes, freed)) return true;
-    return purgeKind(dictionary, CharacterKind::alphaBitmap, bytes, freed);
+    for (const CharacterKind first : {CharacterKind::shape, CharacterKind::sound})
+        if (purgeKinds(
+                dictionary, [first](CharacterKind kind) { return kind == first; }, bytes, freed))
+            return true;
+    if (!dictionary.purgeOrder.empty()) return purgeInOrder(dictionary, bytes, freed);
+    return purgeKinds(dictionary, isBitmap, bytes, freed);
 }
 
 }  // namespace qel

@@ -24,6 +24,7 @@ struct CharacterDictionary {
     PlayerInstance* player = nullptr;
     Pool* pool = nullptr;
     PoolArray<DictionaryEntry> entries;
+    PoolArray<std::uint16_t> purgeOrder;  // what may go first when memory runs short: the last entry first
     std::array<std::uint8_t, bufferSize> readBuffer;
     unsigned decoding = 0;  // definitions whose decoding has begun: a shape decodes its styles
 
@@ -35,9 +36,8 @@ struct CharacterDictionary {
 // Makes the table, once: a table that is there stays.
 Result sizeDictionary(CharacterDictionary& dictionary, std::uint16_t count);
 
-// Registers a definition without decoding it. Of definitions with one identifier the first counts; identifiers outside
-// the table are passed over.
-// True when this definition is the one that counts.
+// Registers a definition without decoding it; true when it is the one that counts. Of definitions with one identifier
+// the first does; identifiers outside the table are passed over.
 bool registerCharacter(CharacterDictionary& dictionary, std::uint16_t id, CharacterKind kind, std::uint32_t offset,
                        std::uint32_t length);
 
@@ -50,6 +50,16 @@ struct Lookup {
 // Decodes on first use. Shapes, bitmaps and sounds count one more use each time.
 Lookup lookupCharacter(CharacterDictionary& dictionary, std::uint16_t id);
 
+bool isDecoded(const CharacterDictionary& dictionary, std::uint16_t id);
+
+// Whether the definition of `id` at `offset` of the content is the one that counts, and is not decoded.
+bool awaitsDecoding(const CharacterDictionary& dictionary, std::uint16_t id, std::uint32_t offset);
+
+// Keeps an object that was decoded as its record arrived. Where the definition is not the one that counts, the object
+// is freed.
+void setCharacter(CharacterDictionary& dictionary, std::uint16_t id, std::uint32_t offset, std::uint32_t length,
+                  CharacterPtr object);
+
 // One use fewer, for the kinds that count uses. The counter is a wrapping byte.
 void releaseCharacter(Character& character);
 
@@ -60,6 +70,7 @@ std::uint32_t freeCharacter(CharacterDictionary& dictionary, std::uint16_t id);
 void freeCharacters(CharacterDictionary& dictionary);
 
 // Frees decoded objects that nobody uses until at least `bytes` have come back; false when that cannot be reached.
+// Shapes go first, then sounds; then what the content's purge order lists, or, without one, the bitmaps.
 bool purgeCharacters(CharacterDictionary& dictionary, std::uint32_t bytes);
 
 constexpr bool countsUses(CharacterKind kind) {

@@ -5,18 +5,10 @@
 namespace qel {
 namespace {
 
-void destroyShape(ShapeInstance* instance) {
-    releaseCharacter(*instance->shape);
-    PoolPtr<ShapeInstance>(instance, PoolDelete{instance->pool}).reset();
-}
-
-// Moves all objects of a list to the end of another.
-void moveAll(DisplayList& from, DisplayList& to) {
-    if (!from.first) return;
-    from.first->previous = to.last;
-    (to.last ? to.last->next : to.first) = from.first;
-    to.last = from.last;
-    from.first = from.last = nullptr;
+template <class T>
+void destroyAs(DisplayObject* object) {
+    Pool* pool = object->pool;
+    PoolPtr<T>(static_cast<T*>(object), PoolDelete{pool}).reset();
 }
 
 // Puts an object below `above`, or on top when that is null.
@@ -27,6 +19,25 @@ void insertBelow(DisplayList& list, DisplayObject* object, DisplayObject* above)
     (above ? above->previous : list.last) = object;
 }
 
+// Frees one object whose children and look are gone.
+void destroyEmpty(DisplayObject* object) {
+    switch (object->kind) {
+        case ObjectKind::shape:
+            releaseCharacter(*static_cast<ShapeInstance*>(object)->shape);
+            return destroyAs<ShapeInstance>(object);
+        case ObjectKind::button:
+            leaveButtonList(*static_cast<ButtonInstance*>(object));
+            return destroyAs<ButtonInstance>(object);
+        case ObjectKind::clip: return destroyAs<ClipInstance>(object);
+        case ObjectKind::text: return destroyAs<TextInstance>(object);
+    }
+}
+
+DisplayObject* firstBelow(const DisplayObject* object) {
+    if (const ClipInstance* clip = asClip(object)) return clip->children.first;
+    return object->kind == ObjectKind::button ? static_cast<const ButtonInstance*>(object)->look : nullptr;
+}
+
 }  // namespace
 
 DisplayList::~DisplayList() { clearList(*this); }
@@ -35,6 +46,12 @@ DisplayObject* objectAt(const DisplayList& list, std::uint8_t position) {
     DisplayObject* object = list.first;
     for (unsigned i = 0; object && i < position; ++i) object = object->next;
     return object;
+}
+
+std::uint32_t objectCount(const DisplayList& list) {
+    std::uint32_t count = 0;
+    for (const DisplayObject* object = list.first; object; object = object->next) ++count;
+    return count;
 }
 
 void insertAt(DisplayList& list, DisplayObject* object, std::uint8_t position) {
@@ -49,29 +66,50 @@ void unlink(DisplayList& list, DisplayObject* object) {
     object->previous = object->next = nullptr;
 }
 
-void destroyObject(DisplayObject* object) {
-    if (object->kind == ObjectKind::shape) return destroyShape(static_cast<ShapeInstance*>(object));
-    auto* clip = static_cast<ClipInstance*>(object);
-    PoolPtr<ClipInstance>(clip, PoolDelete{clip->pool}).reset();
+void moveToEnd(DisplayList& from, DisplayList& to) {
+    if (!from.first) return;
+    from.first->previous = to.last;
+    (to.last ? to.last->next : to.first) = from.first;
+    to.last = from.last;
+    from.first = from.last = nullptr;
 }
 
-// Children are brought to one level first, so that deep nesting costs no stack.
+void destroyObject(DisplayObject* object) {
+    DisplayList alone;
+    append(alone, object);
+    clearList(alone);
+}
+
+// What is below an object is brought to its level first, so that deep nesting costs no stack.
 void clearList(DisplayList& list) {
     while (DisplayObject* object = list.first) {
         unlink(list, object);
         if (ClipInstance* clip = asClip(object)) {
-            moveAll(clip->children, list);
-            moveAll(clip->kept, list);
+            moveToEnd(clip->children, list);
+            moveToEnd(clip->kept, list);
         }
-        destroyObject(object);
+        if (ButtonInstance* button = asButton(object)) {
+            if (DisplayObject* look = std::exchange(button->look, nullptr)) append(list, look);
+        }
+        destroyEmpty(object);
     }
 }
 
+void leaveButtonList(ButtonInstance& button) {
+    ButtonList* list = std::exchange(button.joined, nullptr);
+    if (!list) return;
+    ButtonInstance* behind = button.nextButton ? button.nextButton : list->first;
+    if (list->focused == &button) list->focused = behind == &button ? nullptr : behind;
+    (button.previousButton ? button.previousButton->nextButton : list->first) = button.nextButton;
+    (button.nextButton ? button.nextButton->previousButton : list->last) = button.previousButton;
+    button.previousButton = button.nextButton = nullptr;
+}
+
 DisplayObject* nextInDrawingOrder(const DisplayObject* object, bool skipChildren) {
-    if (object->kind == ObjectKind::clip && !skipChildren) {
-        if (DisplayObject* child = static_cast<const ClipInstance*>(object)->children.first) return child;
+    if (!skipChildren) {
+        if (DisplayObject* below = firstBelow(object)) return below;
     }
-    while (object && !object->next) object = object->parent;
+    while (object && !object->next) object = object->owner;
     return object ? object->next : nullptr;
 }
 

@@ -3,22 +3,15 @@
 #include <algorithm>
 
 #include "movie/movie.h"
-#include "movie/placement.h"
+#include "movie/refresh.h"
 #include "player/engine_services.h"
 #include "render/rasterizer.h"
 
 namespace qel {
 namespace {
 
-void collectChanges(Movie& movie) {
-    for (DisplayObject* object = movie.root.first; object; object = nextInDrawingOrder(object)) {
-        if (!std::exchange(object->changed, false)) continue;
-        movie.changedAreas.add(boundsOf(*object));
-    }
-}
-
-bool showsSomething(const Movie& movie, const DisplayObject& object) {
-    return object.kind == ObjectKind::shape && movie.changedAreas.intersects(object.bounds);
+bool needsDrawing(const Movie& movie, const DisplayObject& object) {
+    return object.kind == ObjectKind::shape && object.shown && movie.changedAreas.intersects(object.bounds);
 }
 
 // Draws an object in each of the areas: they do not overlap, so nothing is drawn twice.
@@ -34,37 +27,48 @@ Result drawObject(Movie& movie, const DisplayObject& object) {
     return Result::done;
 }
 
-}  // namespace
+// Draws the next object that reaches into the changed areas. `nothing`: none is left.
+Result drawNext(Movie& movie) {
+    DisplayObject* object = movie.drawingAt;
+    while (object && !needsDrawing(movie, *object)) object = nextInDrawingOrder(object);
+    movie.drawingAt = object ? nextInDrawingOrder(object) : nullptr;
+    return object ? drawObject(movie, *object) : Result::nothing;
+}
 
-void beginDrawing(Movie& movie) {
-    collectChanges(movie);
-    if (movie.fullRedraw || movie.pacing.firstFrame) movie.changedAreas.addAll();
-    movie.fullRedraw = false;
+// Finds what has changed and clears it.
+Result prepareDrawing(Movie& movie) {
+    const Result refreshed = refreshObjects(movie);
+    if (failed(refreshed)) return refreshed;
+    if (std::exchange(movie.fullRedraw, false) || movie.pacing.firstFrame) movie.changedAreas.addAll();
     for (const Rect& area : movie.changedAreas.areas()) clearArea(movie.render, area, movie.header.backgroundColour);
     movie.drawingAt = movie.root.first;
-    movie.state.enter(Phase::pace, PaceStep::draw);
+    return Result::done;
 }
 
-Result drawNextObject(Movie& movie) {
-    answer(movie, LoadCode::again);
-    DisplayObject* object = movie.drawingAt;
-    while (object && !showsSomething(movie, *object)) object = nextInDrawingOrder(object);
-    if (!object) {
-        movie.drawingAt = nullptr;
-        movie.state.enter(Phase::pace, PaceStep::present);
-        return Result::done;
-    }
-    movie.drawingAt = nextInDrawingOrder(object);
-    return drawObject(movie, *object);
-}
-
-Result presentDrawnFrame(Movie& movie) {
+void present(Movie& movie) {
     constexpr std::uint64_t fullProgress = 255;
     const std::uint16_t frameCount = movie.header.frameCount;
     const std::uint64_t progress = frameCount == 0 ? 0 : movie.frameIndex * fullProgress / frameCount;
     presentFrame(*movie.player, static_cast<std::uint32_t>(std::min(progress, fullProgress)));
-
     movie.changedAreas.clear();
+}
+
+}  // namespace
+
+Result beginDrawing(Movie& movie) {
+    movie.state.enter(Phase::pace, PaceStep::draw);
+    return prepareDrawing(movie);
+}
+
+Result drawNextObject(Movie& movie) {
+    answer(movie, LoadCode::again);
+    const Result drawn = drawNext(movie);
+    if (drawn == Result::nothing) movie.state.enter(Phase::pace, PaceStep::present);
+    return drawn;
+}
+
+Result presentDrawnFrame(Movie& movie) {
+    present(movie);
     const std::uint32_t now = tickCount(*movie.player);
     movie.pacing.frameStart = now;
     movie.pacing.presented = now;
@@ -72,6 +76,16 @@ Result presentDrawnFrame(Movie& movie) {
     movie.pacing.dropped = false;
     movie.state.phase = Phase::dispatch;
     answer(movie, LoadCode::again);
+    return Result::done;
+}
+
+Result drawNow(Movie& movie) {
+    if (movie.immediateFramesLeft == 0) return Result::done;
+    --movie.immediateFramesLeft;
+    Result drawn = prepareDrawing(movie);
+    while (drawn == Result::done) drawn = drawNext(movie);
+    if (failed(drawn)) return drawn;
+    present(movie);
     return Result::done;
 }
 

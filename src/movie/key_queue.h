@@ -25,6 +25,16 @@ class KeyQueue {
         return key;
     }
 
+    unsigned count() const { return (write_ + size - read_) % size; }
+
+    // The key that is taken when `index` others have been; there are more than `index`.
+    std::uint8_t at(unsigned index) const { return keys_[(read_ + index) % size]; }
+
+    void remove(unsigned index) {
+        for (; index + 1 < count(); ++index) keys_[(read_ + index) % size] = keys_[(read_ + index + 1) % size];
+        write_ = (write_ + size - 1) % size;
+    }
+
     void clear() { read_ = write_ = 0; }
 
   private:

@@ -2,6 +2,7 @@
 // the last to the first, so whoever uses another stands behind it.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "format/file_header.h"
@@ -10,11 +11,14 @@
 #include "movie/dictionary.h"
 #include "movie/display_object.h"
 #include "movie/expansion.h"
+#include "movie/frame_cache.h"
 #include "movie/inflater.h"
 #include "movie/key_queue.h"
 #include "movie/pool.h"
 #include "movie/redraw_region.h"
+#include "movie/sounds.h"
 #include "movie/state_word.h"
+#include "movie/streamed_definition.h"
 #include "player/player_instance.h"
 #include "render/render_context.h"
 #include "script/script_context.h"
@@ -42,6 +46,20 @@ struct MovieHeader {
     std::uint32_t contentLength = 0;                   // bytes of movie data: the trailer blocks begin here
     Rect stage;                                        // x and y, then width and height in the maxima
     PoolArray<std::uint8_t> blob, reserved52;          // kept for nobody
+};
+
+// Playing some frames again and again: begun by a command, ended by their count or by another goto.
+struct FrameLoop {
+    std::uint16_t firstKeyFrame = noCharacter;  // the frame cache to go back to
+    std::uint16_t lastFrame = 0;                // 0-based
+    std::uint8_t count = 0;                     // times still to play; wraps, so 0 means 256
+    std::uint16_t afterKeyFrame = noCharacter;  // where it goes on
+};
+
+// What the content asks its host for when it ends.
+struct EndRequest {
+    PoolText address;  // to open
+    PoolText number;   // to call
 };
 
 // When frames are shown. Times are tick counts.
@@ -73,6 +91,7 @@ struct Movie {
     std::uint32_t sectionLength = 0;  // of that record; 0: nothing is being collected
     std::uint32_t sectionOffset = 0;  // of that record in the content
     std::uint8_t sectionType = 0;     // of that record, on the timeline
+    StreamedDefinition streamed;      // the definition that the timeline's records bring at the moment
 
     // Loading.
     PoolPtr<Expansion> expansion;
@@ -86,19 +105,43 @@ struct Movie {
 
     // Playing.
     ScriptContext scripts;
-    std::uint32_t frameIndex = 0;        // of the current frame, 0 before the first
-    PoolArray<std::uint16_t> keyFrames;  // frames that are always shown, ascending
+    std::uint32_t frameIndex = 0;               // of the current frame, 0 before the first
+    PoolArray<std::uint16_t> keyFrames;         // frames that are always shown, ascending
+    std::uint16_t firstKeyFrame = noCharacter;  // its frame cache
+    CharacterHold<FrameCache> gotoFrame;        // the key frame that the cycle goes on with
+    std::uint32_t instanceCounter = 0;          // clips that got their name by number
+    std::uint32_t workLeft = 0;                 // of the cycle's share for clips
     Pacing pacing;
+
+    // Keys and commands.
+    static constexpr std::int16_t noTarget = -1;
     KeyQueue keys;
+    std::uint8_t lastKey = 0;        // handed in
+    CommandList frameCommands;       // of the current frame
+    std::int16_t target = noTarget;  // position on the root list that commands act on
+    FrameLoop frameLoop;
+    std::uint16_t refocusId = noCharacter;  // the button that gets the focus back
+    EndRequest endRequest;
+    std::uint32_t immediateFramesLeft = 0;  // how often the cycle may still draw between its frames
+
+    // Sound.
+    std::array<ChannelRecord, 2> channels;
+    std::uint8_t volume = 100;  // 0 to 255
+    bool muted = false;
+
+    // What the screen shows.
     Matrix stageToScreen = identityMatrix;
+    Matrix view = identityMatrix;  // of the root list, in screen pixels, behind the stage's
+    bool viewMoved = true;         // every object of the root list finds its place anew
     RenderContext render;
     RedrawRegion changedAreas;
     bool fullRedraw = true;
-    bool attachFailed = false;  // memory ran out while objects were fitted to a new frame buffer: playback ends
     DisplayObject* drawingAt = nullptr;  // the object that is drawn next; null: none is left
     PlacementNumber nextPlacement;       // of the root timeline
+    ButtonList buttons;
     DisplayList root;
     DisplayList rootKept;
+    DisplayList waiting;  // clips off every list, until the actions of the cycle have run
 
     Movie(PlayerInstance& itsPlayer, std::uint32_t budget);
     Movie(const Movie&) = delete;

@@ -7,7 +7,6 @@
 #include "movie/loading.h"
 #include "movie/movie.h"
 #include "movie/pacing.h"
-#include "movie/placement.h"
 #include "movie/play_records.h"
 #include "player/engine_services.h"
 #include "render/legacy_decoder.h"
@@ -88,7 +87,7 @@ LoadStatus* feedMovie(Movie& movie, std::span<const std::uint8_t> bytes) {
         movie.reader = ContentReader(bytes);
         movie.position = movie.loadStatus.offset;
     }
-    const Result result = movie.attachFailed ? Result::outOfMemory : runPhase(movie, bytes);
+    const Result result = runPhase(movie, bytes);
     if (failed(result)) answerFailure(movie, result);
     return &movie.loadStatus;
 }
@@ -105,12 +104,14 @@ void resynchroniseMovieClock(Movie& movie) { movie.pacing.resynchronise = true; 
 
 void prepareMovieDrain(Movie& movie) { movie.pacing.draining = true; }
 
-void handKeyToMovie(Movie& movie, std::uint32_t keyCode) { movie.keys.append(static_cast<std::uint8_t>(keyCode)); }
+void handKeyToMovie(Movie& movie, std::uint32_t keyCode) {
+    movie.lastKey = static_cast<std::uint8_t>(keyCode);
+    movie.keys.append(movie.lastKey);
+}
 
-// No sound of a movie is playing: nothing starts one.
-void pauseMovieSounds(Movie&) {}
-void resumeMovieSounds(Movie&) {}
-void muteMovie(Movie&, bool) {}
+void pauseMovieSounds(Movie& movie) { pauseSounds(movie); }
+void resumeMovieSounds(Movie& movie) { resumeSounds(movie); }
+void muteMovie(Movie& movie, bool mute) { setMute(movie, mute); }
 
 PlayerStatistics movieStatistics(const Movie& movie) {
     return {.next = workOf(movie.state), .budgetInUse = movie.pool.inUse, .budgetPeak = movie.pool.peak};
@@ -128,8 +129,7 @@ void attachMovieFrameBuffer(Movie& movie, std::uint16_t* pixels, std::uint16_t w
     const bool hasStage = stageWidth != 0 && stageHeight != 0;
     movie.stageToScreen =
         hasStage ? stageToScreen(stageWidth, stageHeight, width, height, movie.header.fitToScreen) : identityMatrix;
-    for (DisplayObject* object = movie.root.first; object; object = object->next)
-        if (failed(transformObject(movie, *object))) movie.attachFailed = true;
+    movie.viewMoved = true;
 }
 
 }  // namespace qel

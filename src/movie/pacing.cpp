@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "format/integers.h"
+#include "movie/buttons.h"
 #include "movie/drawing.h"
 #include "movie/movie.h"
 #include "movie/sounds.h"
@@ -21,6 +22,20 @@ Verdict paceNormally(Movie& movie, std::uint32_t duration) {
     if (left <= 0) return Verdict::draw;
     answerWait(movie, static_cast<std::uint32_t>(left));
     return Verdict::wait;
+}
+
+bool lists(const PoolArray<std::uint16_t>& keyFrames, std::uint32_t frame) {
+    return std::binary_search(keyFrames.begin(), keyFrames.end(), frame);
+}
+
+// Whether the current frame is a key frame of the movie or of any sprite that is shown.
+bool isAlwaysShown(const Movie& movie) {
+    if (lists(movie.keyFrames, movie.frameIndex)) return true;
+    for (DisplayObject* object = movie.root.first; object; object = nextInDrawingOrder(object)) {
+        const ClipInstance* clip = asClip(object);
+        if (clip && lists(clip->sprite->keyFrames, movie.frameIndex)) return true;
+    }
+    return false;
 }
 
 // Deadlines follow one another at the frame rate. A frame that is too late is passed over, unless it is one of those
@@ -46,7 +61,7 @@ Verdict paceAtFixedRate(Movie& movie, std::uint32_t duration) {
     }
     pacing.deadline += duration;
     if (tickDifference(now, pacing.deadline + slack) <= 0) return Verdict::draw;
-    if (std::binary_search(movie.keyFrames.begin(), movie.keyFrames.end(), movie.frameIndex)) return Verdict::draw;
+    if (isAlwaysShown(movie)) return Verdict::draw;
     pacing.dropped = true;
     pacing.frameStart = now;
     return Verdict::drop;
@@ -60,6 +75,20 @@ Verdict pace(Movie& movie) {
     return paceNormally(movie, duration);
 }
 
+// The end, with what the content asks its host for.
+void answerFinished(Movie& movie) {
+    const EndRequest& request = movie.endRequest;
+    answer(movie, LoadCode::finished);
+    if (!request.number.empty()) {
+        answer(movie, LoadCode::finishedWithNumber);
+        movie.loadStatus.text = request.number.begin();
+    }
+    if (!request.address.empty()) {
+        answer(movie, LoadCode::finishedWithAddress);
+        movie.loadStatus.text = request.address.begin();
+    }
+}
+
 }  // namespace
 
 std::uint32_t frameDuration(const Movie& movie, std::uint32_t frameIndex) {
@@ -71,6 +100,10 @@ std::uint32_t frameDuration(const Movie& movie, std::uint32_t frameIndex) {
 
 Result paceFrame(Movie& movie) {
     answer(movie, LoadCode::again);
+    if (std::exchange(movie.state.buttonChangePending, false)) {
+        const Result focused = focusCharacter(movie, movie.refocusId);
+        if (failed(focused)) return focused;
+    }
     if (movie.state.restartRequested) {
         movie.state.restartRequested = false;
         movie.state.enter(Phase::load, LoadStep::rewind);
@@ -78,7 +111,7 @@ Result paceFrame(Movie& movie) {
     }
     switch (pace(movie)) {
         case Verdict::wait: break;
-        case Verdict::draw: beginDrawing(movie); break;
+        case Verdict::draw: return beginDrawing(movie);
         case Verdict::drop: movie.state.phase = Phase::dispatch; break;
     }
     return Result::done;
@@ -99,7 +132,7 @@ Result finishPass(Movie& movie) {
         movie.state.enter(Phase::load, LoadStep::rewind);
         answer(movie, LoadCode::loopBack);
     } else {
-        answer(movie, LoadCode::finished);
+        answerFinished(movie);
     }
     return Result::done;
 }

@@ -1,10 +1,9 @@
-// Changing a display list: placing characters on it, moving and removing its objects. Every change notes what has to be
-// drawn again.
+// Changing a display list: placing characters on it, changing and removing its objects. What has to be drawn again is
+// found when the frame is drawn; only what leaves the screen is noted at once.
 #pragma once
 
-#include "movie/display_object.h"
+#include "movie/clips.h"
 #include "movie/redraw_region.h"
-#include "movie/result.h"
 
 namespace qel {
 
@@ -16,29 +15,37 @@ struct Timeline {
     DisplayList& kept;
     PlacementNumber& nextPlacement;
     ClipInstance* clip = nullptr;  // null for the root
+    bool bounded = false;          // its frames end where the cycle's share of work is used up
 };
 Timeline rootTimeline(Movie& movie);
-Timeline clipTimeline(ClipInstance& clip);
+Timeline clipTimeline(ClipInstance& clip, bool bounded = true);
 
-// Puts an instance of a character at a position. A clip on the kept list with the same placement key is found again and
-// comes back as it is. Characters of kinds that are never shown, and identifiers that nothing defines, place nothing.
-// outOfMemory also when the character cannot be decoded.
-Result placeCharacter(Movie& movie, const Timeline& timeline, std::uint16_t id, std::uint8_t depth,
-                      std::uint32_t placeKey);
+struct Placement {
+    std::uint16_t id = noCharacter;
+    std::uint8_t depth = 0;  // position
+    std::uint32_t placeKey = DisplayObject::noPlaceKey;
+    ClipArguments* arguments = nullptr;  // for a clip; null: none
+};
 
-// Frees the object at a position.
-void removeObject(Movie& movie, const Timeline& timeline, std::uint8_t depth);
+// Puts an instance of a character at a position; `placed` gets it. A clip on the kept list with the same placement key
+// is found again and comes back as it is. `nothing`: characters of kinds that are never shown, identifiers that nothing
+// defines, and clips that nest too deep place nothing. outOfMemory also when the character cannot be decoded.
+Result placeCharacter(Movie& movie, const Timeline& timeline, const Placement& placement, DisplayObject*& placed);
 
-// Gives an object a matrix and brings everything below it to its new place.
-Result setMatrix(Movie& movie, DisplayObject& object, const Matrix& matrix);
+// Frees the object at a position. The code that waits for a clip's removal is queued.
+Result removeObject(Movie& movie, const Timeline& timeline, std::uint8_t depth);
 
-// Computes again where an object and everything below it lies on the screen.
-Result transformObject(Movie& movie, DisplayObject& object);
+void setMatrix(DisplayObject& object, const Matrix& matrix);
+void setColours(DisplayObject& object, const ColourTransform& colours);
+void setAlpha(DisplayObject& object, std::uint8_t alpha);
 
-// Empties a list: clips go to the kept list, everything else is freed.
+// Notes that the screen shows an object and what is below it no more, and what has to be drawn again for that.
+void hideObject(Movie& movie, DisplayObject& object);
+
+// Empties a list: clips go to the kept list, also those that are the looks of buttons; everything else is freed.
 void emptyIntoKept(Movie& movie, const Timeline& timeline);
 
-// Where an object reaches on the screen, with everything below it. Empty when it shows nothing.
-Rect boundsOf(const DisplayObject& object);
+// Frees what no frame has found again. Clips of a clip's timeline wait until the actions of this cycle have run.
+void dropKept(Movie& movie, const Timeline& timeline);
 
 }  // namespace qel

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "movie/gotos.h"
 #include "movie/movie.h"
 #include "movie/record_header.h"
 #include "movie/section.h"
@@ -15,26 +16,38 @@ namespace {
 // How reading goes on behind a record.
 enum class Next { record, status };
 
-Result playFrameRecord(Movie& movie, ContentReader body, std::uint32_t bodyOffset) {
-    const Result played = playRootFrame(movie, body, bodyOffset);
+// The frame has been played, or the clips of a stopped timeline stepped: its actions are next.
+Result goOnWithActions(Movie& movie, Result played) {
     if (failed(played)) return played;
     movie.state.phase = Phase::frameActions;
     answer(movie, LoadCode::again);
     return Result::done;
 }
 
+Result readKeyFrameList(Movie& movie, ContentReader body) {
+    const std::uint32_t count = body.u16();
+    body.align();
+    const unsigned bits = body.ub(4) + 1;
+    if (std::uint64_t{count} * bits > std::uint64_t{body.left()} * 8 + 8) return Result::badContent;
+    if (failed(movie.keyFrames.assignZeros(movie.pool, count))) return Result::outOfMemory;
+    for (std::uint16_t& frame : movie.keyFrames) frame = static_cast<std::uint16_t>(body.ub(bits));
+    return body.ok() ? Result::done : Result::badContent;
+}
+
+Result readPurgeOrder(Movie& movie, ContentReader body) {
+    const std::uint32_t count = body.u8();
+    if (!body.available(count * 2)) return Result::badContent;
+    PoolArray<std::uint16_t>& order = movie.dictionary.purgeOrder;
+    if (failed(order.assignZeros(movie.pool, count))) return Result::outOfMemory;
+    for (std::uint16_t& id : order) id = body.u16();
+    return Result::done;
+}
+
 // Records that act at once.
 Result actOn(Movie& movie, RecordType type, ContentReader body) {
     switch (type) {
-        case RecordType::keyFrameList: {
-            const std::uint32_t count = body.u16();
-            body.align();
-            const unsigned bits = body.ub(4) + 1;
-            if (std::uint64_t{count} * bits > std::uint64_t{body.left()} * 8 + 8) return Result::badContent;
-            if (failed(movie.keyFrames.assignZeros(movie.pool, count))) return Result::outOfMemory;
-            for (std::uint16_t& frame : movie.keyFrames) frame = static_cast<std::uint16_t>(body.ub(bits));
-            return body.ok() ? Result::done : Result::badContent;
-        }
+        case RecordType::keyFrameList: return readKeyFrameList(movie, body);
+        case RecordType::purgeOrder: return readPurgeOrder(movie, body);
         case RecordType::backgroundColour:
             movie.header.backgroundColour = readPackedColour(body, movie.header.backgroundColour);
             movie.fullRedraw = true;
@@ -49,6 +62,7 @@ Result actOn(Movie& movie, RecordType type, ContentReader body) {
 constexpr bool actsAtOnce(std::uint8_t type) {
     switch (RecordType{type}) {
         case RecordType::keyFrameList:
+        case RecordType::purgeOrder:
         case RecordType::backgroundColour:
         case RecordType::releaseCharacters: return true;
         default: return false;
@@ -56,7 +70,8 @@ constexpr bool actsAtOnce(std::uint8_t type) {
 }
 
 Result actOnBody(Movie& movie, std::uint8_t type, ContentReader body, std::uint32_t bodyOffset) {
-    if (RecordType{type} == RecordType::frame) return playFrameRecord(movie, body, bodyOffset);
+    if (RecordType{type} == RecordType::frame)
+        return goOnWithActions(movie, playRootFrame(movie, {.body = body, .bodyOffset = bodyOffset}));
     answer(movie, LoadCode::again);
     return actOn(movie, RecordType{type}, body);
 }
@@ -106,7 +121,23 @@ Result skipRecord(Movie& movie, const RecordHeader& header, Next& next) {
     return Result::done;
 }
 
-// One record. Definitions are registered where they stand and decoded when they are first used.
+constexpr bool isDefinition(std::uint8_t type) {
+    return RecordType{type} != RecordType::frame && definedKind(type) != CharacterKind::none;
+}
+
+// A definition that the dictionary has already, or has no place for, is passed over; another is decoded.
+Result takeOrSkipDefinition(Movie& movie, const ScannedRecord& record, Next& next) {
+    const bool fits = record.header.length() <= std::numeric_limits<std::uint32_t>::max();
+    if (!fits || !awaitsDecoding(movie.dictionary, record.id, readerOffset(movie)))
+        return skipRecord(movie, record.header, next);
+    registerCharacter(movie.dictionary, record.id, definedKind(record.header.type), readerOffset(movie),
+                      static_cast<std::uint32_t>(record.header.length()));
+    const Result taken = takeDefinition(movie, record);
+    next = taken == Result::done ? Next::record : Next::status;
+    return taken;
+}
+
+// One record.
 Result takeRecord(Movie& movie, Next& next) {
     ScannedRecord scanned;
     next = Next::status;
@@ -120,30 +151,33 @@ Result takeRecord(Movie& movie, Next& next) {
         return Result::done;
     }
     const RecordHeader& header = scanned.header;
-    if (scanned.id != noCharacter && header.length() <= std::numeric_limits<std::uint32_t>::max())
-        registerCharacter(movie.dictionary, scanned.id, definedKind(header.type), readerOffset(movie),
-                          static_cast<std::uint32_t>(header.length()));
     if (RecordType{header.type} == RecordType::frame || actsAtOnce(header.type)) return takeWhole(movie, header, next);
     next = Next::record;
-    return skipRecord(movie, header, next);
+    return isDefinition(header.type) ? takeOrSkipDefinition(movie, scanned, next) : skipRecord(movie, header, next);
 }
 
-}  // namespace
-
-Result playRecords(Movie& movie) {
+Result readOn(Movie& movie) {
     if (isCollecting(movie)) return collectRecord(movie);
-    if (static_cast<PlayStep>(movie.state.step) == PlayStep::stoppedRoot) {
-        const Result stepped = stepClips(movie);
-        if (failed(stepped)) return stepped;
-        movie.state.phase = Phase::frameActions;
-        answer(movie, LoadCode::again);
-        return Result::done;
+    if (isArriving(movie.streamed)) {
+        const Result taken = continueStreamed(movie);
+        if (taken != Result::done) return taken;
     }
     for (;;) {
         Next next = Next::status;
         const Result taken = takeRecord(movie, next);
         if (failed(taken) || next == Next::status) return taken;
     }
+}
+
+}  // namespace
+
+Result playRecords(Movie& movie) {
+    switch (static_cast<PlayStep>(movie.state.step)) {
+        case PlayStep::nextFrame: break;
+        case PlayStep::cachedFrame: return goOnWithActions(movie, playGotoFrame(movie));
+        case PlayStep::stoppedRoot: movie.workLeft = workPerCycle; return goOnWithActions(movie, stepClips(movie));
+    }
+    return readOn(movie);
 }
 
 }  // namespace qel

@@ -70,6 +70,18 @@ void enterPass(Movie& movie) {
     answer(movie, LoadCode::newPass);
 }
 
+// What commands have set: every pass begins as the first one did.
+void resetControl(Movie& movie) {
+    movie.target = Movie::noTarget;
+    movie.instanceCounter = 0;
+    movie.view = identityMatrix;
+    movie.viewMoved = true;
+    movie.state.rootStopped = false;
+    movie.state.frameLoopActive = false;
+    movie.state.buttonChangePending = false;
+    movie.state.gotoPerformed = false;
+}
+
 }  // namespace
 
 Result startPlay(Movie& movie) {
@@ -80,11 +92,13 @@ Result startPlay(Movie& movie) {
 }
 
 Result rewindMovie(Movie& movie) {
-    clearList(movie.root);
-    clearList(movie.rootKept);
+    for (DisplayList* list : {&movie.root, &movie.rootKept, &movie.waiting}) clearList(*list);
     movie.nextPlacement = {};
     movie.drawingAt = nullptr;
     movie.keys.clear();
+    movie.frameCommands.truncate(0);
+    movie.gotoFrame = {};
+    resetControl(movie);
     freeCharacters(movie.dictionary);
     enterPass(movie);
     return Result::done;

@@ -1,5 +1,7 @@
 #include "movie/structures.h"
 
+#include <array>
+
 #include "format/colour_formats.h"
 #include "format/integers.h"
 
@@ -40,6 +42,35 @@ Matrix readMatrix(ContentReader& reader) {
         matrix.ty = wrap16(reader.sb(bits));
     }
     return matrix;
+}
+
+namespace {
+
+using ChannelBits = std::array<bool, 4>;  // red, green, blue, alpha
+
+ChannelBits readChannelBits(ContentReader& reader) {
+    ChannelBits bits;
+    for (bool& bit : bits) bit = reader.ub(1) != 0;
+    return bits;
+}
+
+}  // namespace
+
+ColourTransform readColourTransform(ContentReader& reader, ColourTransformForm form) {
+    reader.align();
+    const bool hasOffsets = reader.ub(1) != 0, hasMultipliers = reader.ub(1) != 0;
+    const ChannelBits offsets = readChannelBits(reader);
+    const ChannelBits multipliers = form == ColourTransformForm::full ? readChannelBits(reader) : offsets;
+    const unsigned bits = reader.ub(4);
+    ColourTransform t;
+    std::int16_t* const offsetFields[] = {&t.redOffset, &t.greenOffset, &t.blueOffset, &t.alphaOffset};
+    std::uint16_t* const multiplierFields[] = {&t.redMultiplier, &t.greenMultiplier, &t.blueMultiplier,
+                                               &t.alphaMultiplier};
+    for (std::size_t i = 0; hasOffsets && i < offsets.size(); ++i)
+        if (offsets[i]) *offsetFields[i] = wrap16(reader.sb(bits));
+    for (std::size_t i = 0; hasMultipliers && i < multipliers.size(); ++i)
+        if (multipliers[i]) *multiplierFields[i] = static_cast<std::uint16_t>(reader.ub(bits));
+    return t;
 }
 
 namespace {

@@ -13,6 +13,11 @@ Rect readRect(ContentReader& reader);
 // A matrix starts from zeros, not from the identity: one without its scale has a = d = 0.
 Matrix readMatrix(ContentReader& reader);
 
+// Which channels of a colour transform a record holds: in frame items offsets and multipliers each have their bits, in
+// commands they share them.
+enum class ColourTransformForm : std::uint8_t { full, compact };
+ColourTransform readColourTransform(ContentReader& reader, ColourTransformForm form);
+
 // A colour in the given stored format, from the next byte boundary on, as RGB565. A format code that no colour has
 // reads nothing and gives `before`.
 std::uint16_t readColour(ContentReader& reader, std::uint32_t format, std::uint16_t before);

@@ -1,148 +1,150 @@
 #include "movie/timeline.h"
 
-#include "format/frame_items.h"
+#include "movie/buttons.h"
+#include "movie/frame_cache.h"
+#include "movie/frame_items.h"
+#include "movie/frame_records.h"
 #include "movie/movie.h"
-#include "movie/record_header.h"
-#include "movie/structures.h"
 
 namespace qel {
 namespace {
 
-// The identity of the placement whose item lies at `offset`. A given number is used up.
-std::uint32_t takePlaceKey(const Timeline& timeline, std::uint32_t offset) {
-    const std::uint16_t given = std::exchange(timeline.nextPlacement.value, PlacementNumber::none);
-    return given != PlacementNumber::none ? given : offset;
+// What every frame of the root timeline begins with. A key frame also empties the list: clips may be found again, the
+// focus may not.
+void beginRootFrame(Movie& movie, bool keyFrame) {
+    movie.frameCommands.truncate(0);
+    movie.target = Movie::noTarget;
+    if (!keyFrame) return;
+    emptyIntoKept(movie, rootTimeline(movie));
+    emptyButtonList(movie);
+    movie.fullRedraw = true;
 }
 
-Result applyPlace(Movie& movie, const Timeline& timeline, ContentReader body, std::uint32_t offset) {
-    const std::uint16_t id = body.u16();
-    const std::uint8_t depth = body.u8();
-    if (!body.ok()) return Result::badContent;
-    return placeCharacter(movie, timeline, id, depth, takePlaceKey(timeline, offset));
+// Keeps the items of a key frame, where its record is the one that its identifier stands for.
+Result makeFrameCache(Movie& movie, const FrameHead& head, const RootFrame& frame, PoolPtr<FrameCache>& cache) {
+    const std::uint32_t recordOffset = frame.bodyOffset - frameRecordHeader;
+    if (!awaitsDecoding(movie.dictionary, head.cacheId, recordOffset)) return Result::done;
+    cache = makeCharacter<FrameCache>(movie.pool, CharacterKind::frameCache);
+    if (!cache) return Result::outOfMemory;
+    ContentReader body = frame.body;
+    readFrameHead(body);
+    cache->frameNumber = head.frameNumber;
+    cache->itemsOffset = frame.bodyOffset + frameCacheHead;
+    return cache->items.assign(movie.pool, body.rest());
 }
 
-Result applyMove(Movie& movie, const Timeline& timeline, ContentReader body) {
-    const std::uint8_t depth = body.u8();
-    const Matrix matrix = readMatrix(body);
-    if (!body.ok()) return Result::badContent;
-    DisplayObject* object = objectAt(timeline.list, depth);
-    if (!object) return Result::nothing;
-    const Result moved = setMatrix(movie, *object, matrix);
-    ClipInstance* clip = asClip(object);
-    if (failed(moved) || !clip || clip->stepping != ClipStepping::fresh) return moved;
-    clip->stepping = ClipStepping::stepped;
-    return stepClip(movie, *clip);
+void keepFrameCache(Movie& movie, const FrameHead& head, const RootFrame& frame, PoolPtr<FrameCache> cache) {
+    const auto length = static_cast<std::uint32_t>(frame.body.left());
+    setCharacter(movie.dictionary, head.cacheId, frame.bodyOffset - frameRecordHeader, frameRecordHeader + length,
+                 CharacterPtr(cache.release()));
 }
 
-Result applyItem(Movie& movie, const Timeline& timeline, FrameItemType type, ContentReader body, std::uint32_t offset) {
-    switch (type) {
-        case FrameItemType::place:
-        case FrameItemType::placeClip: return applyPlace(movie, timeline, body, offset);
-        case FrameItemType::remove: {
-            const std::uint8_t depth = body.u8();
-            if (!body.ok()) return Result::badContent;
-            removeObject(movie, timeline, depth);
-            return Result::done;
-        }
-        case FrameItemType::move: return applyMove(movie, timeline, body);
-        case FrameItemType::instanceNumber:
-            timeline.nextPlacement.value = body.u16();
-            return body.ok() ? Result::done : Result::badContent;
-        default: return Result::nothing;  // items that change nothing that is shown
-    }
-}
-
-// A key frame rebuilds its list from nothing; clips may be found again.
-void beginKeyFrame(Movie& movie, const Timeline& timeline) {
-    emptyIntoKept(movie, timeline);
-    if (!timeline.clip) movie.fullRedraw = true;
-}
-
-Result playFrame(Movie& movie, const Timeline& timeline, ContentReader body, std::uint32_t offset) {
-    const FrameHead head = readFrameHead(body);
-    if (!body.ok()) return Result::badContent;
-    if (head.cacheId != noCharacter) beginKeyFrame(movie, timeline);
-    const auto itemsOffset = offset + static_cast<std::uint32_t>(body.cursor());
-    const Result applied = applyFrameItems(movie, timeline, ContentReader(body.rest()), itemsOffset);
-    clearList(timeline.kept);
-    return applied;
-}
-
-// Finds the frame record at or behind `offset` of a sprite's timeline; other records are passed over. False at the end.
-bool findFrame(const Sprite& sprite, std::uint32_t offset, std::uint32_t& bodyOffset, std::uint32_t& bodyLength) {
-    ContentReader reader(sprite.timeline.span());
-    reader.seek(offset);
-    RecordHeader header;
-    while (readRecordHeader(reader, header) && reader.available(header.bodyLength)) {
-        bodyOffset = static_cast<std::uint32_t>(reader.cursor());
-        bodyLength = header.bodyLength;
-        if (RecordType{header.type} == RecordType::frame) return true;
-        reader.skip(header.bodyLength);
-    }
-    return false;
-}
-
-}  // namespace
-
-FrameHead readFrameHead(ContentReader& body) {
-    FrameHead head;
-    head.cacheId = body.u16();
-    if (head.cacheId != noCharacter) head.frameNumber = body.u16();
-    return head;
-}
-
-Result applyFrameItems(Movie& movie, const Timeline& timeline, ContentReader items, std::uint32_t offset) {
-    while (items.available(1)) {
-        const std::uint32_t itemOffset = offset + static_cast<std::uint32_t>(items.cursor());
-        const unsigned head = items.u8();
-        const unsigned type = head >> 4;
-        std::uint32_t length = head & longItemLength;
-        if (length == longItemLength) length = items.littleEndian(itemLengthBytes(type));
-        const std::span<const std::uint8_t> body = items.take(length);
-        if (!items.ok()) return Result::badContent;
-        const Result applied =
-            applyItem(movie, timeline, static_cast<FrameItemType>(type), ContentReader(body), itemOffset);
-        if (failed(applied)) return applied;
-    }
-    return Result::done;
-}
-
-Result playRootFrame(Movie& movie, ContentReader body, std::uint32_t offset) {
-    const Result played = playFrame(movie, rootTimeline(movie), body, offset);
-    if (failed(played)) return played;
-    ++movie.frameIndex;
+Result stepBehindFrame(Movie& movie) {
+    dropKept(movie, rootTimeline(movie));
     return stepClips(movie);
 }
 
-Result stepClip(Movie& movie, ClipInstance& clip) {
-    const Sprite& sprite = *clip.sprite;
-    if (clip.frameIndex >= sprite.frameCount) {
-        clip.frameIndex = 0;
-        clip.offset = 0;
-        emptyIntoKept(movie, clipTimeline(clip));
-    }
-    ++clip.frameIndex;
-    std::uint32_t bodyOffset = 0, bodyLength = 0;
-    if (!findFrame(sprite, clip.offset, bodyOffset, bodyLength)) {
-        // Fewer frames than announced: the clip stands still until it wraps.
-        clearList(clip.kept);
-        return Result::done;
-    }
-    clip.offset = bodyOffset + bodyLength;
-    const ContentReader body(sprite.timeline.span().subspan(bodyOffset, bodyLength));
-    return playFrame(movie, clipTimeline(clip), body, bodyOffset);
+Result playClipFrame(Movie& movie, const Timeline& timeline, SpriteFrame& frame) {
+    const FrameHead head = readFrameHead(frame.body);
+    if (!frame.body.ok()) return Result::badContent;
+    if (head.cacheId != noCharacter) emptyIntoKept(movie, timeline);
+    const std::uint32_t offset = frame.bodyOffset + static_cast<std::uint32_t>(frame.body.cursor());
+    return applyFrameItems(movie, timeline, ContentReader(frame.body.rest()), offset);
 }
 
-Result stepClips(Movie& movie) {
-    for (DisplayObject* object = movie.root.first; object; object = nextInDrawingOrder(object)) {
+enum class Walk : std::uint8_t { wholeFrame, newClips };
+
+Result stepRange(Movie& movie, DisplayObject* object, const DisplayObject* behind, Walk walk) {
+    for (; object != behind; object = nextInDrawingOrder(object)) {
         ClipInstance* clip = asClip(object);
         if (!clip) continue;
         const ClipStepping stepping = std::exchange(clip->stepping, ClipStepping::due);
-        if (stepping == ClipStepping::stepped) continue;
+        const bool due = stepping == ClipStepping::fresh || (stepping == ClipStepping::due && walk == Walk::wholeFrame);
+        if (!due) continue;
         const Result stepped = stepClip(movie, *clip);
         if (failed(stepped)) return stepped;
     }
     return Result::done;
+}
+
+}  // namespace
+
+bool spendWork(Movie& movie) {
+    if (movie.workLeft == 0) return false;
+    --movie.workLeft;
+    return true;
+}
+
+Result passRootFrame(Movie& movie, const RootFrame& frame) {
+    ContentReader body = frame.body;
+    const FrameHead head = readFrameHead(body);
+    if (!body.ok()) return Result::badContent;
+    const bool keyFrame = head.cacheId != noCharacter;
+    PoolPtr<FrameCache> cache;
+    beginRootFrame(movie, keyFrame);
+    if (keyFrame) {
+        if (movie.firstKeyFrame == noCharacter) movie.firstKeyFrame = head.cacheId;
+        const Result made = makeFrameCache(movie, head, frame, cache);
+        if (failed(made)) return made;
+    }
+    const std::uint32_t offset = frame.bodyOffset + static_cast<std::uint32_t>(body.cursor());
+    const Result applied = applyFrameItems(movie, rootTimeline(movie), ContentReader(body.rest()), offset);
+    if (failed(applied)) return applied;
+    if (cache) keepFrameCache(movie, head, frame, std::move(cache));
+    ++movie.frameIndex;
+    return Result::done;
+}
+
+Result passCachedFrame(Movie& movie, const FrameCache& cache) {
+    beginRootFrame(movie, true);
+    movie.frameIndex = cache.frameNumber + 1u;
+    return applyFrameItems(movie, rootTimeline(movie), ContentReader(cache.items.span()), cache.itemsOffset);
+}
+
+Result playRootFrame(Movie& movie, const RootFrame& frame) {
+    movie.workLeft = workPerCycle;
+    const Result passed = passRootFrame(movie, frame);
+    return failed(passed) ? passed : stepBehindFrame(movie);
+}
+
+Result playCachedFrame(Movie& movie, const FrameCache& cache) {
+    movie.workLeft = workPerCycle;
+    const Result passed = passCachedFrame(movie, cache);
+    return failed(passed) ? passed : stepBehindFrame(movie);
+}
+
+Result stepClip(Movie& movie, ClipInstance& clip) {
+    if (!std::exchange(clip.skipFrameEvent, false)) {
+        const Result queued = queueClipEvent(movie, clip, ClipEvent::frame);
+        if (failed(queued)) return queued;
+    }
+    if (clip.stopped) return Result::done;
+    const Result advanced = advanceClip(movie, clip);
+    dropKept(movie, clipTimeline(clip));
+    return advanced;
+}
+
+Result advanceClip(Movie& movie, ClipInstance& clip, bool bounded) {
+    const Sprite& sprite = *clip.sprite;
+    const Timeline timeline = clipTimeline(clip, bounded);
+    if (!spendWork(movie) && bounded) return Result::done;
+    if (clip.frameIndex >= sprite.frameCount) {
+        clip.frameIndex = 0;
+        clip.offset = 0;
+        emptyIntoKept(movie, timeline);
+    }
+    ++clip.frameIndex;
+    SpriteFrame frame;
+    if (!findFrame(sprite, clip.offset, frame)) return Result::done;  // fewer frames than announced: it stands still
+    clip.offset = frame.end;
+    return playClipFrame(movie, timeline, frame);
+}
+
+Result stepClips(Movie& movie) { return stepRange(movie, movie.root.first, nullptr, Walk::wholeFrame); }
+
+Result stepNewClips(Movie& movie, ClipInstance* below) {
+    if (!below) return stepRange(movie, movie.root.first, nullptr, Walk::newClips);
+    return stepRange(movie, nextInDrawingOrder(below), nextInDrawingOrder(below, true), Walk::newClips);
 }
 
 }  // namespace qel

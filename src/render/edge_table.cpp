@@ -103,15 +103,16 @@ void takeStroke(const PathSegment& segment, const StyleGroup& group, Bounds& bou
     bounds.take(segment.end);
 }
 
-void takeSegment(EdgeTable& table, const PathSegment& segment, const StyleGroup& group, Bounds& bounds) {
+void takeSegment(PlacedShape& placed, const PathSegment& segment, const StyleGroup& group, Bounds& bounds) {
+    EdgeTable& table = placed.table;
     if (!group.fill0 && !group.fill1) return takeStroke(segment, group, bounds);
     const FillEdge edge{.straight = segment.straight,
                         .direction = 1,
                         .start = segment.start,
                         .control = segment.middle,
                         .end = segment.end,
-                        .fill0 = group.fill0.get(),
-                        .fill1 = group.fill1.get()};
+                        .fill0 = fillDrawn(placed, group.fill0.get()),
+                        .fill1 = fillDrawn(placed, group.fill1.get())};
     if (!segment.straight) return emitCurve(table, edge, bounds);
     bounds.take(segment.start);
     bounds.take(segment.end);
@@ -129,13 +130,14 @@ Result reserveEdges(EdgeTable& table, std::uint32_t count, Pool& pool) {
     return Result::outOfMemory;
 }
 
-Result buildEdges(const ShapeGeometry& geometry, std::span<const PathSegment> segments, Pool& pool, EdgeTable& table,
-                  Bounds& bounds) {
+Result buildEdges(const ShapeGeometry& geometry, Pool& pool, PlacedShape& placed, Bounds& bounds) {
+    const std::span<const PathSegment> segments = placed.segments.span();
+    EdgeTable& table = placed.table;
     if (failed(reserveEdges(table, countEdges(segments), pool))) return Result::outOfMemory;
     std::uint32_t next = 0;
     for (const StyleGroup& group : geometry.groups) {
         const std::uint32_t end = std::min<std::uint32_t>(group.end, static_cast<std::uint32_t>(segments.size()));
-        for (; next < end; ++next) takeSegment(table, segments[next], group, bounds);
+        for (; next < end; ++next) takeSegment(placed, segments[next], group, bounds);
     }
     for (FillEdge& edge : table.edges) table.sorted.appendReserved(&edge);
     std::sort(table.sorted.begin(), table.sorted.end(),
@@ -189,6 +191,12 @@ void translate(PlacedShape& placed, int dx, int dy, Rect& bounds) {
 
 }  // namespace
 
+FillStyle* fillDrawn(const PlacedShape& placed, FillStyle* fill) {
+    for (const FillCopy& copy : placed.fillCopies)
+        if (copy.source == fill) return copy.copy.get();
+    return fill;
+}
+
 Result placeShape(const ShapeGeometry& geometry, const Matrix& screenMatrix, Pool& pool, PlacedShape& placed,
                   Rect& bounds) {
     const int dx = screenMatrix.tx - placed.transformedWith.tx, dy = screenMatrix.ty - placed.transformedWith.ty;
@@ -210,7 +218,7 @@ Result placeShape(const ShapeGeometry& geometry, const Matrix& screenMatrix, Poo
     placed.outline = outline.empty() ? Rect{} : Rect{outline.xMin, outline.yMin, outline.xMax, outline.yMax};
     Bounds box = geometry.hasFill ? Bounds{} : outline;
     if (geometry.hasFill) {
-        if (failed(buildEdges(geometry, placed.segments.span(), pool, placed.table, box))) return Result::outOfMemory;
+        if (failed(buildEdges(geometry, pool, placed, box))) return Result::outOfMemory;
     }
     bounds = grow(box, geometry.maximumLineWidth);
     placed.transformedWith = screenMatrix;

@@ -24,14 +24,24 @@ struct EdgeTable {
     std::int16_t top = 0, bottom = 0;  // the rows of the fill area
 };
 
+// A fill of the placed shape's own, made of one that it shares.
+struct FillCopy {
+    const FillStyle* source = nullptr;
+    PoolPtr<SolidFill> copy;
+};
+
 // A placed shape's own part: its segments in screen pixels and the edges made of them.
 struct PlacedShape {
     PoolArray<PathSegment> segments;
     EdgeTable table;
-    Rect outline;            // the box around all points of `segments`
-    Matrix transformedWith;  // the screen matrix of `segments`
+    PoolArray<FillCopy> fillCopies;  // none: it draws with the shape's fills
+    Rect outline;                    // the box around all points of `segments`
+    Matrix transformedWith;          // the screen matrix of `segments`
     bool transformed = false;
 };
+
+// The fill that stands for one of the shape's.
+FillStyle* fillDrawn(const PlacedShape& placed, FillStyle* fill);
 
 // Brings the placed shape to a screen matrix: moves what is there when only the translation changed, else transforms
 // the shape's outline and rebuilds the edges. `bounds` gets the box around everything that is drawn (both maxima

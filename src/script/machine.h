@@ -1,11 +1,18 @@
 // The script machine's door to the timeline.
 #pragma once
 
+#include <cstdint>
+#include <span>
+
 #include "movie/result.h"
 
 namespace qel {
 
+struct ClipInstance;
 struct Movie;
+
+// Puts action code behind what is queued already. `target`: the clip it acts on, null for the root timeline.
+Result queueActionList(Movie& movie, std::span<const std::uint8_t> code, ClipInstance* target);
 
 // Which run of a cycle: behind the frame that was read, or behind the dispatch of keys.
 enum class ScriptRun { frameActions, queuedActions };

@@ -27,6 +27,8 @@ struct LabelEntry {
 };
 
 struct ScriptContext {
+    std::uint8_t nextButtonKey = 0, previousButtonKey = 0;  // the navigation keys; 0: none
+    bool gotoMark = false;                                  // a goto passes over frames: their actions are not queued
     PoolArray<NameEntry> names;
     PoolArray<BlockEntry> blocks;
     PoolArray<std::uint8_t> blockBuffer;  // as large as the largest block

@@ -114,7 +114,7 @@ TEST(Loading, LeadingRecordsComeInTheirOrder) {
          {Row{{directory, names}, true}, Row{{directory, blocks, names}, true}, Row{{blocks, names}, true},
           Row{{names}, true}, Row{{names, blocks}, false}, Row{{names, directory}, false},
           Row{{directory, directory}, false}, Row{{record(9, Bytes(4, 0))}, false}}) {
-        MovieFile movie = oneSquare();
+        MovieFile movie = smallMovie(8, 8, {frameOf({})});
         movie.leading = row.leading;
         const Playback playback = play(visFile(movie));
         EXPECT_EQ(playback.finished(), row.plays) << row.leading.size() << " records";
@@ -145,7 +145,7 @@ TEST(Loading, ReadsEveryProperty) {
     MovieFile movie = oneSquare();
     movie.width = movie.height = 1;
     movie.frameCount = 77;
-    const Bytes command = author::command(CommandNumber::stop, 255);
+    const Bytes command = author::command(CommandNumber::stop, 150);
     movie.properties.stage({0, 0, 8, 8})
         .frameCount(1)
         .background(0xFF0000, ColourFormat::rgb332)

@@ -29,7 +29,7 @@ MovieFile everything() {
     movie.leading = {author::nameTable(std::vector<author::Name>{{10, "shape"}, {20, "clip"}})};
     movie.properties.labels(std::vector<author::Label>{{0, "start"}, {2, "key"}})
         .keyFrameIndex(std::vector<author::Properties::KeyFrame>{{2, 41}})
-        .commands(author::textCommand(CommandNumber::openUrl, 255, "http://example.invalid/"));
+        .commands(author::textCommand(CommandNumber::openUrl, 150, "http://example.invalid/"));
     movie.fontMode = 1;
     movie.fontBlock = Bytes(12, 1);
     movie.extensionBlock = Bytes(30, 2);

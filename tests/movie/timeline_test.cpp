@@ -218,7 +218,7 @@ TEST(PlayRecords, ReleaseCharacters) {
     const auto decodings = std::ranges::count_if(playback.reads, [&](const calls::Read& read) {
         return read.offset == recordLocations(movie)[4].offset && read.count > 7;
     });
-    EXPECT_EQ(decodings, 2);
+    EXPECT_EQ(decodings, 1) << "the first time its record was decoded as it came";
 }
 
 TEST(PlayRecords, SkipWhatTheyDoNotKnow) {

@@ -1,5 +1,4 @@
-// Decoding one definition: its record streams from the content through the dictionary's buffer, in pieces where the
-// kind allows it.
+// Decoding a definition when it is first used: its record streams from the content through the dictionary's buffer.
 #pragma once
 
 #include "movie/dictionary.h"
@@ -11,6 +10,6 @@ namespace qel {
 //   nothing           the record makes no character of a kind that this player draws
 //   outOfMemory, brokenDefinition, badContent (the record cannot be read)
 Result decodeDefinition(CharacterDictionary& dictionary, std::uint16_t id, const DictionaryEntry& entry,
-                        Character*& character);
+                        CharacterPtr& character);
 
 }  // namespace qel

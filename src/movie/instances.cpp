@@ -1,0 +1,62 @@
+#include "movie/instances.h"
+
+#include "movie/buttons.h"
+#include "movie/movie.h"
+
+namespace qel {
+namespace {
+
+Result makeShape(Movie& movie, Shape& shape, DisplayObject*& made) {
+    PoolPtr<ShapeInstance> instance = makePooled<ShapeInstance>(movie.pool);
+    if (!instance) {
+        releaseCharacter(shape);
+        return Result::outOfMemory;
+    }
+    instance->kind = ObjectKind::shape;
+    instance->shape = CharacterHold<Shape>(&shape);
+    made = instance.release();
+    return Result::done;
+}
+
+Result makeText(Movie& movie, EditText& field, DisplayObject*& made) {
+    PoolPtr<TextInstance> instance = makePooled<TextInstance>(movie.pool);
+    if (!instance) return Result::outOfMemory;
+    instance->kind = ObjectKind::text;
+    instance->field = CharacterHold<EditText>(&field);
+    made = instance.release();
+    return Result::done;
+}
+
+Result makeKind(Movie& movie, DisplayObject* owner, Character& character, ClipArguments* arguments,
+                DisplayObject*& made) {
+    switch (character.kind) {
+        case CharacterKind::shape: return makeShape(movie, static_cast<Shape&>(character), made);
+        case CharacterKind::editText: return makeText(movie, static_cast<EditText&>(character), made);
+        case CharacterKind::sprite: return makeClip(movie, owner, static_cast<Sprite&>(character), arguments, made);
+        case CharacterKind::button:
+        case CharacterKind::commandButton:
+            return makeButton(movie, owner, static_cast<ButtonCharacter&>(character), made);
+        default: return Result::nothing;
+    }
+}
+
+}  // namespace
+
+Result lookupForPlacement(Movie& movie, std::uint16_t id, Character*& character) {
+    const Lookup found = lookupCharacter(movie.dictionary, id);
+    character = found.character;
+    if (!failed(found.result)) return Result::done;
+    return found.result == Result::badContent ? Result::badContent : Result::outOfMemory;
+}
+
+Result makeInstance(Movie& movie, DisplayObject* owner, Character& character, std::uint16_t id,
+                    ClipArguments* arguments, DisplayObject*& made) {
+    const Result result = makeKind(movie, owner, character, arguments, made);
+    if (result != Result::done) return result;
+    made->characterId = id;
+    made->owner = owner;
+    made->pool = &movie.pool;
+    return Result::done;
+}
+
+}  // namespace qel
