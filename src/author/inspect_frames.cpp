@@ -72,8 +72,7 @@ void inspectPurgeOrderUpdate(Listing& list, MovieFacts& facts, FieldReader& fiel
         const std::uint32_t character = fields.bits(width, nullptr);
         const std::uint32_t position = fields.bits(width, nullptr) & 0xFF;
         if (position == 0) break;
-        if (character < noCharacter)
-            noteReference(list, facts, static_cast<std::uint16_t>(character), fields.at() - 1);
+        if (character < noCharacter) noteReference(list, facts, static_cast<std::uint16_t>(character), fields.at() - 1);
         characters.push_back(static_cast<std::int32_t>(character));
         positions.push_back(static_cast<std::int32_t>(position));
     }

@@ -241,7 +241,8 @@ TEST(SourceErrors, NameTheCharacter) {
         std::size_t line;
         const char *field, *message;
     } cases[] = {
-        {"\"x\": {}", 1, "characters/x", "\"x\" has none of fill, gradient, line, shape, sprite, button, commandButton, sound, textField, "
+        {"\"x\": {}", 1, "characters/x",
+         "\"x\" has none of fill, gradient, line, shape, sprite, button, commandButton, sound, textField, "
          "compressionTable"},
         {"\"x\":\n{\"fill\": \"red\"}", 2, "characters/x/fill", "\"red\" is no colour; write #rrggbb or #rrggbbaa"},
         {"\"x\": {\"fill\": \"#ffffff\",\n\"line\": \"#ffffff\"}", 2, "characters/x/line",
