@@ -108,7 +108,7 @@ TEST(Dictionary, BodiesOfAnyLengthComeOutTheSameFromTheStreamAndOnFirstUse) {
         for (const bool fromFile : {true, false}) {
             if (!fromFile) live.playFrames(2);
             const Lookup found = lookupCharacter(live.movie().dictionary, 20);
-            ASSERT_NE(found.character, nullptr) << size;
+            ASSERT_TRUE(found.character) << size;
             const auto& button = static_cast<const Button&>(*found.character);
             ASSERT_EQ(button.conditions.size(), 2u);
             for (const ButtonCondition& condition : button.conditions)
