@@ -18,12 +18,12 @@ void checkNesting(const SourceBuild& build) {
     std::map<const SourceCharacter*, int> depths;  // of what is inside
     for (bool changed = true; changed;) {
         changed = false;
-        for (const auto& [parent, child] : build.nested) {
-            const int depth = depths[child] + 1;
-            if (depth <= depths[parent]) continue;
+        for (const auto& [holder, held] : build.nested) {
+            const int depth = depths[held] + 1;
+            if (depth <= depths[holder]) continue;
             if (depth == deepest)
-                fail(*parent->value, "sprites stand in one another 64 deep here; does one hold itself?");
-            depths[parent] = depth;
+                fail(*holder->value, "sprites stand in one another 64 deep here; does one hold itself?");
+            depths[holder] = depth;
             changed = true;
         }
     }

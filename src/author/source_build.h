@@ -11,12 +11,22 @@
 
 namespace qel::author {
 
+// A sprite and what stands on its timeline, or a button and what it shows.
+struct Nesting {
+    const SourceCharacter* holder = nullptr;
+    const SourceCharacter* held = nullptr;
+
+    // By identifiers, so that of several faults the same is reported every time.
+    friend bool operator<(const Nesting& a, const Nesting& b) {
+        return std::pair(a.holder->id, a.held->id) < std::pair(b.holder->id, b.held->id);
+    }
+};
+
 struct SourceBuild {
     SourceNames names;
     ReadSourceFile readFile;
     std::vector<Bytes> records;  // definitions and frames, in the order of the stream
-    // Who holds whom: a sprite what stands on its timeline, a button its looks.
-    std::set<std::pair<const SourceCharacter*, const SourceCharacter*>> nested;
+    std::set<Nesting> nested;
 };
 
 // What a record, an item or a command cannot hold is the fault of this value of the source.

@@ -117,8 +117,8 @@ class MovieCompiler {
             sprite.timeline.insert(sprite.timeline.end(), bytes.begin(), bytes.end());
         }
         sprite.labels = labelsOf(frames, compiled, mostSpriteLabelBytes);
-        if (const SourceValue* list = value.find("keyFrameList"))
-            sprite.keyFrames = frameList(*list, FrameLabels(frames));
+        const FrameLabels labels(frames);
+        if (const SourceValue* list = value.find("keyFrameList")) sprite.keyFrames = frameList(*list, labels);
         build_.records.push_back(written(value, [&] { return author::sprite(sprite); }));
     }
 

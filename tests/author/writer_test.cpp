@@ -3,23 +3,12 @@
 #include <stdexcept>
 
 #include "author/frame_items.h"
+#include "author/hex.h"
 #include "author/movie_writer.h"
 #include "author/structures.h"
 
 namespace qel::author {
 namespace {
-
-// Bytes as hexadecimal digits, to be compared with what was worked out on paper.
-std::string hex(std::span<const std::uint8_t> bytes) {
-    std::string text;
-    for (const std::uint8_t byte : bytes) {
-        constexpr char digits[] = "0123456789abcdef";
-        if (!text.empty()) text += ' ';
-        text += digits[byte >> 4];
-        text += digits[byte & 15];
-    }
-    return text;
-}
 
 struct Case {
     const char* what;

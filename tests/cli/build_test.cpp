@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "cli/command_line.h"
+#include "format/colour_formats.h"
 #include "support/playback.h"
 
 namespace qel::cli {
@@ -101,6 +102,46 @@ TEST_F(BuildCommand, BuildsWhatTheProjectShows) {
         ASSERT_EQ(playback.frames.size(), each.frames) << each.name;
         EXPECT_NE(playback.frames[0], playback.frames[each.frames / 2]) << each.name;
     }
+}
+
+// Down, select: the second page; menu: back again; end: over. A stopped movie goes on for ever without it.
+TEST_F(BuildCommand, BuildsAMenuThatKeysMoveThrough) {
+    const std::string path = (home / "examples/menu.json").string();
+    ASSERT_EQ(build({path, "-o", output("menu.vis")}).status, success);
+    constexpr std::uint8_t end = 147, down = 151, menu = 152, select = 155;
+    test::PlayOptions options;
+    options.schedule.keys = {{300, down}, {600, select}, {1200, menu}, {1800, end}};
+    const test::Playback playback = test::play(bytesOf(output("menu.vis")), options);
+    EXPECT_TRUE(playback.finished());
+    const auto cornerAt = [&playback](std::uint64_t ms) {  // of the picture that is seen then
+        std::uint16_t colour = 0;
+        for (std::size_t i = 0; i < playback.frames.size() && playback.frameTimesMs[i] <= ms; ++i)
+            colour = playback.frames[i].at(2, 2);
+        return colour;
+    };
+    constexpr std::uint16_t sky = rgb565From24(0x101C38), water = rgb565From24(0xA8D8E0);
+    EXPECT_EQ(cornerAt(550), sky);
+    EXPECT_EQ(cornerAt(1150), water);
+    EXPECT_EQ(cornerAt(1750), sky);
+    EXPECT_LT(playback.frameTimesMs.back(), 2000u);
+}
+
+TEST_F(BuildCommand, TakesDataFromFilesBesideTheSource) {
+    std::ofstream(place / "beep.raw", std::ios::binary) << "beep beep";
+    const char* const sounds[] = {R"({"file": "beep.raw"})", R"("62656570 2062656570")"};
+    Bytes movies[2];
+    for (std::size_t i = 0; i < 2; ++i) {
+        const std::string path = source(R"({"stage": [8, 6], "frames": [{}], "characters": {"x": {"sound": )" +
+                                        std::string(sounds[i]) + "}}}");
+        ASSERT_EQ(build({path, "-o", output("movie.vis")}).status, success);
+        movies[i] = bytesOf(output("movie.vis"));
+    }
+    EXPECT_EQ(movies[0], movies[1]);
+    const std::string path = source(R"({"stage": [8, 6], "frames": [{}], "characters": {
+        "x": {"sound": {"file": "."}}}})");
+    const Outcome outcome = build({path, "-o", output("movie.vis")});
+    EXPECT_EQ(outcome.status, failed);
+    EXPECT_EQ(outcome.errors, path + ":2: characters/x/sound/file: \".\" cannot be read\n");
 }
 
 TEST_F(BuildCommand, NamesFileLineAndFieldOfAMistake) {
