@@ -273,7 +273,7 @@ TEST(SourceErrors, NameWhatIsWrongWithCharactersAndTables) {
             {"do": "selectTarget", "instance": "a"}]})"),
          "characters/x/commands/0/instance", "instances are known in the movie's frames only; write a position"},
         {withCharacters(R"("x": {"button": {"up": "s"}}, "s": {"sprite": [{"place": {"i": {"character": "x"}}}]})"),
-         "characters/x", "sprites stand in one another 64 deep here; does one hold itself?"},
+         "characters/s", "sprites stand in one another 64 deep here; does one hold itself?"},
         {withCharacters(R"("x": {"textField": [5, 0, 4, 9]})"), "characters/x/textField/2",
          "a whole number from 5 to 32767 belongs here"},
         {withCharacters(R"("x": {"textField": [0, 0, 4, 9], "flags": 512})"), "characters/x/flags",
