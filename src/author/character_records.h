@@ -24,7 +24,7 @@ struct SoundRecord {
     std::uint8_t rateCode = 0;      // 0 to 3
     bool flag1 = false, flag2 = false;
     std::uint8_t channelValue = 0;  // handed to the host with the sound
-    Bytes data;
+    Bytes data = {};
 };
 Bytes sound(const SoundRecord& fields);
 
@@ -36,9 +36,9 @@ struct ButtonLooks {
 // Action code and what runs it: any of the four.
 struct ButtonCondition {
     bool focusLost = false, focusGained = false;
-    std::optional<std::uint8_t> focusedKey;  // this key while the button has the focus
-    std::optional<std::uint8_t> key;         // this key, whatever has the focus
-    Bytes code;
+    std::optional<std::uint8_t> focusedKey = {};  // this key while the button has the focus
+    std::optional<std::uint8_t> key = {};         // this key, whatever has the focus
+    Bytes code = {};
 };
 Bytes button(std::uint16_t id, const ButtonLooks& looks, std::span<const ButtonCondition> conditions);
 
@@ -49,13 +49,13 @@ Bytes commandButton(std::uint16_t id, const ButtonLooks& looks, std::uint8_t key
 struct TextFieldRecord {
     std::uint16_t id = 0;
     Rect bounds;
-    std::uint16_t flags = 0;                  // beside those that say what of the next two is there
-    std::optional<std::string> variable;      // whose value is shown; at most 255 bytes
-    std::optional<std::uint16_t> extraValue;  // kept
-    std::array<std::uint8_t, 3> values = {};  // kept
-    std::uint32_t colour = 0;                 // 0xRRGGBB
-    std::uint8_t value4 = 0;                  // kept
-    std::string text;                         // at most 255 bytes
+    std::uint16_t flags = 0;                       // beside those that say what of the next two is there
+    std::optional<std::string> variable = {};      // whose value is shown; at most 255 bytes
+    std::optional<std::uint16_t> extraValue = {};  // kept
+    std::array<std::uint8_t, 3> values = {};       // kept
+    std::uint32_t colour = 0;                      // 0xRRGGBB
+    std::uint8_t value4 = 0;                       // kept
+    std::string text = {};                         // at most 255 bytes
 };
 Bytes textField(const TextFieldRecord& fields);
 

@@ -47,7 +47,7 @@ Bytes purgeOrderUpdate(std::span<const PurgePosition> positions);
 // Code that a clip runs on events: one bit each for what starts it.
 struct ClipHandler {
     bool onLoad = false, onUnload = false, onFrame = false, fourth = false, fifth = false;
-    Bytes code;
+    Bytes code = {};
 };
 struct PlacedClip {
     std::uint16_t characterId = 0;

@@ -98,10 +98,10 @@ struct SpriteRecord {
     std::uint16_t id = 0;
     std::uint16_t frameCount = 0;
     std::uint16_t keyFrameCount = 0;
-    std::vector<Block> blocks = {};        // offsets count from the timeline's start; 65535 at the most, as lengths
-    std::vector<Label> labels;             // names of at most 39 bytes are kept whole
-    std::vector<std::uint16_t> keyFrames;  // frames that are always shown
-    Bytes timeline;                        // frame records
+    std::vector<Block> blocks = {};  // offsets count from the timeline's start; 65535 at the most, as lengths
+    std::vector<Label> labels = {};  // names of at most 39 bytes are kept whole
+    std::vector<std::uint16_t> keyFrames = {};  // frames that are always shown
+    Bytes timeline;                             // frame records
 };
 Bytes sprite(const SpriteRecord& fields);
 

@@ -31,7 +31,7 @@ Result makeLook(Movie& movie, ButtonInstance& button, std::uint16_t id) {
     dropLook(movie, button);
     button.lookId = id;
     if (id == noCharacter) return Result::done;
-    Character* character = nullptr;
+    CharacterHold<Character> character;
     const Result found = lookupForPlacement(movie, id, character);
     if (failed(found) || !character) return found;
     if (character->kind == CharacterKind::button || character->kind == CharacterKind::commandButton)

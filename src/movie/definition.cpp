@@ -24,7 +24,7 @@ Result resolveStyle(CharacterDictionary& dictionary, std::uint16_t id, Character
     const bool isLine = found.character->kind == CharacterKind::lineStyle;
     const bool isFill = found.character->kind == CharacterKind::solidFill;
     if (std::is_same_v<Style, LineStyle> ? !isLine : !isFill) return Result::brokenDefinition;
-    style = CharacterHold<Style>(static_cast<Style*>(found.character));
+    style = CharacterHold<Style>(static_cast<Style*>(found.character.get()));
     return Result::done;
 }
 

@@ -104,11 +104,11 @@ Lookup lookupCharacter(CharacterDictionary& dictionary, std::uint16_t id) {
     if (!entry->object) {
         CharacterPtr decoded;
         const Result result = decodeDefinition(dictionary, id, *entry, decoded);
-        if (!decoded) return {nullptr, result};
+        if (!decoded) return {{}, result};
         store(*entry, std::move(decoded));
     }
     if (countsUses(entry->object->kind)) ++entry->object->useCount;
-    return {entry->object, Result::done};
+    return {CharacterHold<Character>(entry->object), Result::done};
 }
 
 bool isDecoded(const CharacterDictionary& dictionary, std::uint16_t id) {

@@ -41,9 +41,10 @@ Result sizeDictionary(CharacterDictionary& dictionary, std::uint16_t count);
 bool registerCharacter(CharacterDictionary& dictionary, std::uint16_t id, CharacterKind kind, std::uint32_t offset,
                        std::uint32_t length);
 
-// A looked-up character: none when the identifier names nothing that can be had. `result` tells why.
+// A looked-up character: none when the identifier names nothing that can be had. `result` tells why. It is held,
+// because the next allocation may purge what nobody holds.
 struct Lookup {
-    Character* character = nullptr;
+    CharacterHold<Character> character;
     Result result = Result::nothing;  // done; nothing: no such definition; or the failure that decoding met
 };
 

@@ -16,7 +16,7 @@ namespace {
 Result lookupFrameCache(Movie& movie, std::uint16_t cacheId, CharacterHold<FrameCache>& cache) {
     const Lookup found = lookupCharacter(movie.dictionary, cacheId);
     if (found.character && found.character->kind == CharacterKind::frameCache)
-        cache = CharacterHold<FrameCache>(static_cast<FrameCache*>(found.character));
+        cache = CharacterHold<FrameCache>(static_cast<FrameCache*>(found.character.get()));
     return failed(found.result) && found.result != Result::brokenDefinition ? found.result : Result::done;
 }
 

@@ -42,9 +42,9 @@ Result makeKind(Movie& movie, DisplayObject* owner, Character& character, ClipAr
 
 }  // namespace
 
-Result lookupForPlacement(Movie& movie, std::uint16_t id, Character*& character) {
-    const Lookup found = lookupCharacter(movie.dictionary, id);
-    character = found.character;
+Result lookupForPlacement(Movie& movie, std::uint16_t id, CharacterHold<Character>& character) {
+    Lookup found = lookupCharacter(movie.dictionary, id);
+    character = std::move(found.character);
     if (!failed(found.result)) return Result::done;
     return found.result == Result::badContent ? Result::badContent : Result::outOfMemory;
 }

@@ -10,7 +10,7 @@ struct Movie;
 
 // Looks a character up for a placement. Failures are those that a placement ends playback with: outOfMemory also where
 // the character cannot be decoded.
-Result lookupForPlacement(Movie& movie, std::uint16_t id, Character*& character);
+Result lookupForPlacement(Movie& movie, std::uint16_t id, CharacterHold<Character>& character);
 
 // Makes the display object of a character that lookupForPlacement gave: `made` is on no list, and `owner` is what it
 // will belong to. `nothing`: characters of its kind are never shown, or not there.

@@ -37,7 +37,7 @@ Timeline clipTimeline(ClipInstance& clip, bool bounded) {
 }
 
 Result placeCharacter(Movie& movie, const Timeline& timeline, const Placement& placement, DisplayObject*& placed) {
-    Character* character = nullptr;
+    CharacterHold<Character> character;
     const Result found = lookupForPlacement(movie, placement.id, character);
     if (failed(found)) return found;
     if (!character) return Result::nothing;

@@ -1,6 +1,7 @@
 // Content that is broken in every place: whatever happens, playback comes to a defined end and gives everything back.
 #include <gtest/gtest.h>
 
+#include "support/control_movie.h"
 #include "support/playback.h"
 #include "support/small_movie.h"
 
@@ -10,7 +11,7 @@ namespace {
 using author::move;
 using author::place;
 
-// A movie that uses everything that is played: sprites in sprites, curves, key frames, tables, trailer blocks.
+// A movie that uses everything that is drawn: sprites in sprites, curves, key frames, tables, trailer blocks.
 MovieFile everything() {
     author::Outline round;
     round.style({.line = {}, .fill0 = 1, .fill1 = 2}).moveTo({2, 0}).curveBy({4, 6}, {-6, 4}).lineBy({-3, -9});
@@ -44,28 +45,36 @@ void expectADefinedEnd(const Playback& playback, const std::string& what) {
     }
 }
 
+// Keys do nothing to content that waits for none.
 PlayOptions quick() {
     PlayOptions options;
     options.keepFrames = false;
-    options.mostFrames = 30;
+    options.mostFrames = 60;
+    options.schedule.keys = controlKeys();
     return options;
 }
 
-std::vector<Bytes> bothForms() {
+std::vector<Bytes> allContents() {
     const Bytes plain = visFile(everything());
-    return {plain, author::zvisFile(plain)};
+    return {plain, author::zvisFile(plain), visFile(controlMovie())};
 }
 
-TEST(Sweep, TheWholeMoviePlays) {
-    for (const Bytes& content : bothForms()) {
+TEST(Sweep, TheWholeMoviesPlay) {
+    const std::vector<Bytes> contents = allContents();
+    for (const Bytes& content : {contents[0], contents[1]}) {
         const Playback playback = play(content);
         EXPECT_TRUE(playback.finished());
         EXPECT_EQ(playback.frames.size(), 4u);
     }
+    PlayOptions withKeys = quick();
+    const Playback control = play(contents[2], withKeys);
+    EXPECT_TRUE(control.finished());
+    EXPECT_GT(control.frameTimesMs.size(), 20u) << "loops, gotos and flashes were played";
+    EXPECT_GT(control.deviceCalls.size(), 20u);
 }
 
 TEST(Sweep, CutAtEveryLength) {
-    for (const Bytes& content : bothForms())
+    for (const Bytes& content : allContents())
         for (std::size_t length = 0; length < content.size(); ++length)
             expectADefinedEnd(
                 play(Bytes(content.begin(), content.begin() + static_cast<std::ptrdiff_t>(length)), quick()),
@@ -73,7 +82,7 @@ TEST(Sweep, CutAtEveryLength) {
 }
 
 TEST(Sweep, EveryAllocationFailingOnceAndFromThereOn) {
-    for (const Bytes& content : bothForms()) {
+    for (const Bytes& content : allContents()) {
         const std::uint64_t count = play(content, quick()).allocations;
         ASSERT_GT(count, 20u);
         for (std::uint64_t n = 1; n <= count; ++n) {
@@ -87,7 +96,7 @@ TEST(Sweep, EveryAllocationFailingOnceAndFromThereOn) {
 }
 
 TEST(Sweep, EveryReadFailing) {
-    for (const Bytes& content : bothForms()) {
+    for (const Bytes& content : allContents()) {
         const std::uint64_t count = play(content, quick()).reads.size();
         for (std::uint64_t n = 1; n <= count; ++n) {
             PlayOptions options = quick();
@@ -100,18 +109,18 @@ TEST(Sweep, EveryReadFailing) {
 }
 
 TEST(Sweep, EveryBudget) {
-    const Bytes content = visFile(everything());
-    for (std::uint32_t budget = 0; budget < 8000; budget += 8) {
-        PlayOptions options = quick();
-        options.session.player.budget = budget;
-        const Playback playback = play(content, options);
-        expectADefinedEnd(playback, "budget " + std::to_string(budget));
-        EXPECT_TRUE(playback.finished() || playback.aborted(AbortReason::outOfMemory)) << budget;
-    }
+    for (const Bytes& content : {visFile(everything()), visFile(controlMovie())})
+        for (std::uint32_t budget = 0; budget < 8000; budget += 8) {
+            PlayOptions options = quick();
+            options.session.player.budget = budget;
+            const Playback playback = play(content, options);
+            expectADefinedEnd(playback, "budget " + std::to_string(budget));
+            EXPECT_TRUE(playback.finished() || playback.aborted(AbortReason::outOfMemory)) << budget;
+        }
 }
 
 TEST(Sweep, EveryByteWrong) {
-    for (const Bytes& content : bothForms())
+    for (const Bytes& content : allContents())
         for (std::size_t i = 0; i < content.size(); ++i)
             for (const int change : {0x01, 0x80, 0xFF, int{content[i]}}) {
                 Bytes changed = content;

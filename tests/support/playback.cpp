@@ -2,51 +2,9 @@
 
 #include <algorithm>
 
+#include "support/recorder.h"
+
 namespace qel::test {
-namespace {
-
-class Recorder : public SessionObserver {
-  public:
-    Recorder(Playback& playback, const HeadlessPlatform& platform, bool keepFrames)
-        : playback_(playback), platform_(platform), keepFrames_(keepFrames) {}
-
-    void eventRaised(const EventNotice& notice) override {
-        const bool numeric = notice.event == HostEvent::progress || notice.event == HostEvent::newPass;
-        playback_.events.push_back({platform_.elapsedMs(), notice.event, notice.argument, numeric ? notice.value : 0});
-        if (notice.event == HostEvent::contentOpened)
-            playback_.info = *reinterpret_cast<const ContentInfo*>(notice.value);
-        if (notice.event == HostEvent::presentFrame) keepFrame(*reinterpret_cast<const FrameRecord*>(notice.value));
-    }
-
-    void serviceCalled(const ServiceCall& call) override {
-        if (const auto* read = std::get_if<calls::Read>(&call)) playback_.reads.push_back(*read);
-        if (const auto* written = std::get_if<calls::WriteTemporary>(&call)) playback_.temporaryBytes += written->count;
-        if (const auto* allocated = std::get_if<calls::Allocate>(&call)) {
-            ++playback_.allocations;
-            if (allocated->result) ++playback_.blocksLeft;
-        }
-        if (std::holds_alternative<calls::Free>(call)) --playback_.blocksLeft;
-    }
-
-  private:
-    void keepFrame(const FrameRecord& frame) {
-        playback_.frameTimesMs.push_back(platform_.elapsedMs());
-        if (!keepFrames_) return;
-        Image image{frame.width, frame.height, {}};
-        for (std::uint32_t y = 0; y < frame.height; ++y) {
-            const std::uint16_t* row = frame.pixels + y * (frame.pitch / 2);
-            image.pixels.insert(image.pixels.end(), row, row + frame.width);
-        }
-        playback_.frames.push_back(std::move(image));
-    }
-
-    Playback& playback_;
-    const HeadlessPlatform& platform_;
-    bool keepFrames_;
-};
-
-}  // namespace
-
 std::string sketch(const Image& image, std::vector<std::pair<std::uint16_t, char>> letters) {
     std::string drawing;
     for (std::uint32_t y = 0; y < image.height; ++y) {

@@ -42,6 +42,7 @@ struct Playback {
     std::vector<std::uint64_t> frameTimesMs;
     std::vector<Image> frames;
     std::vector<calls::Read> reads;
+    std::vector<std::string> deviceCalls;  // sounds and vibration, a text each
     std::uint64_t temporaryBytes = 0;
     std::int64_t blocksLeft = 0;  // of the general heap, when all was over
     std::uint64_t allocations = 0;
