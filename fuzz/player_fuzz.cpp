@@ -17,6 +17,15 @@ struct Balance : qel::SessionObserver {
     }
 };
 
+// Keys that content is likely to wait for, one after the other.
+std::vector<qel::KeyPress> pressedKeys(std::uint8_t first) {
+    constexpr std::uint8_t codes[] = {155, 129, 151, 130, 152, 131, 150, 132};
+    std::vector<qel::KeyPress> keys;
+    for (std::size_t i = 0; i < 48; ++i)
+        keys.push_back({.atMs = 17 * i, .code = codes[(i + first) % std::size(codes)]});
+    return keys;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -33,6 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if ((how & 4) != 0) options.faults.failedAllocations = {std::uint64_t{how} >> 3};
     Session session(platform, options, &balance);
     Schedule schedule;
+    schedule.keys = pressedKeys(how);
     schedule.endAtMs = 20000;
     if (session.open("content") == OpenResult::opened) runToEnd(session, platform, schedule);
     if (balance.blocks != 0) __builtin_trap();

@@ -44,9 +44,10 @@ constexpr std::uint8_t transformAlpha(const ColourTransform& colours, std::uint8
 
 // An RGB565 colour. Channels are widened with zeros below.
 constexpr std::uint16_t transformColour(const ColourTransform& colours, std::uint16_t colour) {
-    const unsigned red = transformChannel(colours.redMultiplier, colours.redOffset, (colour >> 8) & 0xF8u);
-    const unsigned green = transformChannel(colours.greenMultiplier, colours.greenOffset, (colour >> 3) & 0xFCu);
-    const unsigned blue = transformChannel(colours.blueMultiplier, colours.blueOffset, (colour << 3) & 0xF8u);
+    const std::uint32_t word = colour;
+    const unsigned red = transformChannel(colours.redMultiplier, colours.redOffset, (word >> 8) & 0xF8);
+    const unsigned green = transformChannel(colours.greenMultiplier, colours.greenOffset, (word >> 3) & 0xFC);
+    const unsigned blue = transformChannel(colours.blueMultiplier, colours.blueOffset, (word << 3) & 0xF8);
     return static_cast<std::uint16_t>((red & 0xF8) << 8 | (green & 0xFC) << 3 | blue >> 3);
 }
 
