@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Session session(platform, options, &balance);
     Schedule schedule;
     schedule.keys = pressedKeys(how);
-    schedule.endAtMs = 20000;
+    schedule.endAtMs = 3000;
     if (session.open("content") == OpenResult::opened) runToEnd(session, platform, schedule);
     if (balance.blocks != 0) __builtin_trap();
     return 0;
