@@ -14,6 +14,7 @@ int runCommandLine(int argc, const char* const* argv) {
     addPlayCommand(app, status);
     addRenderCommand(app, status);
     addRunCommand(app, status);
+    addBenchCommand(app, status);
     addInfoCommand(app, status);
     addBuildCommand(app, status);
     try {

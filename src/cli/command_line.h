@@ -19,6 +19,7 @@ enum ExitStatus : int {
 // Parses the command line, runs the chosen subcommand and answers the exit status.
 int runCommandLine(int argc, const char* const* argv);
 
+void addBenchCommand(CLI::App& app, int& status);
 void addBuildCommand(CLI::App& app, int& status);
 void addInfoCommand(CLI::App& app, int& status);
 void addPlayCommand(CLI::App& app, int& status);

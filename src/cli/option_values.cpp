@@ -4,6 +4,8 @@
 #include <charconv>
 #include <chrono>
 
+#include "format/key_codes.h"
+
 namespace qel::cli {
 namespace {
 
@@ -50,7 +52,9 @@ std::optional<KeyPress> parseKey(std::string_view text) {
     const std::size_t colon = text.find(':');
     if (colon == text.npos) return std::nullopt;
     const auto atMs = wholeNumber<std::uint32_t>(text.substr(0, colon));
-    const auto code = wholeNumber<std::uint8_t>(text.substr(colon + 1));
+    const std::string_view key = text.substr(colon + 1);
+    const std::optional<std::uint8_t> named = keyCodeOf(key);
+    const std::optional<std::uint8_t> code = named ? named : wholeNumber<std::uint8_t>(key);
     if (!atMs || !code) return std::nullopt;
     return KeyPress{.atMs = *atMs, .code = *code};
 }

@@ -13,7 +13,7 @@ namespace qel::cli {
 // 1970-01-01. Nothing for texts of another form and days that no month has.
 std::optional<std::int64_t> parseDate(std::string_view text);
 
-// "MS:CODE", the code 0 to 255.
+// "MS:CODE": the code 0 to 255, or the name of a key.
 std::optional<KeyPress> parseKey(std::string_view text);
 
 // Adds "open", "temp", "read:N", "alloc:N" or "alloc-from:N" to the faults; false for anything else.

@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -6,6 +7,7 @@
 #include "cli/content_text.h"
 #include "cli/playback_errors.h"
 #include "host/desktop_platform.h"
+#include "host/keyboard.h"
 #include "host/session.h"
 
 namespace qel::cli {
@@ -35,14 +37,29 @@ int play(const PlayOptions& options) {
     Session session(*platform, {.player = {.loop = !options.once}});
     openContent(session, options.file);
     while (session.playing()) {
-        switch (platform->nextMessage()) {
-            case DesktopPlatform::Message::timer: session.timerFired(); break;
-            case DesktopPlatform::Message::quit: session.end(); break;
+        const DesktopPlatform::Message message = platform->nextMessage();
+        switch (message.kind) {
+            case DesktopPlatform::Message::Kind::timer: session.timerFired(); break;
+            case DesktopPlatform::Message::Kind::key: session.keyInput(message.keyCode); break;
+            case DesktopPlatform::Message::Kind::pause: session.pause(); break;
+            case DesktopPlatform::Message::Kind::resume: session.resume(); break;
+            case DesktopPlatform::Message::Kind::quit: session.end(); break;
         }
     }
     if (session.ending().kind == Ending::Kind::aborted) throw CommandError(failed, abortMessage(options.file, session));
     if (session.ending().kind == Ending::Kind::finished) printRequest(session.ending());
     return success;
+}
+
+// The keys as the window's own help lists them.
+std::string keyList() {
+    std::string list = "Keys in the window:\n";
+    for (const KeyboardHelp& row : keyboardHelp) {
+        std::string keys(row.keys);
+        keys.resize(std::max<std::size_t>(keys.size() + 1, 12), ' ');
+        list += "  " + keys + std::string(row.meaning) + "\n";
+    }
+    return list;
 }
 
 }  // namespace
@@ -56,7 +73,8 @@ void addPlayCommand(CLI::App& app, int& status) {
         ->type_name("N");
     command->add_flag("--once", options->once, "leave when the content ends instead of playing it again");
     command->footer(
-        "Close the window or press Q to leave.\n"
+        keyList() +
+        "Closing the window leaves, too. Content that does not play again also ends with cancel.\n"
         "Exit status: 0 played; 1 playback was aborted; 2 bad usage, no display, or a file that cannot be opened; "
         "3 refused.");
     command->callback([options, &status] { status = runCommand("play", [&] { return play(*options); }); });

@@ -7,6 +7,7 @@
 #include "cli/gif_writer.h"
 #include "cli/picture.h"
 #include "cli/playback_errors.h"
+#include "cli/shared_options.h"
 #include "host/headless_run.h"
 
 namespace qel::cli {
@@ -17,6 +18,7 @@ struct RenderOptions {
     std::uint64_t frame = 0;  // counted from 1; 0: the last
     std::uint64_t maximumFrames = 1000;
     std::uint32_t maximumMs = 600000;
+    std::vector<std::string> keys;
     PlayerOptions player{.loop = false};
 };
 
@@ -63,7 +65,7 @@ int renderPng(const RenderOptions& options) {
     const std::uint64_t wanted = options.frame != 0 ? options.frame : options.maximumFrames;
     Session session(platform, {.player = options.player, .maximumFrames = wanted}, &last);
     openContent(session, options.file);
-    runToEnd(session, platform, {.endAtMs = options.maximumMs});
+    runToEnd(session, platform, {.keys = keyPresses(options.keys), .endAtMs = options.maximumMs});
     throwIfAborted(options, session);
     if (!last.picture || (options.frame != 0 && session.framesPresented() < options.frame)) {
         throw CommandError(failed, options.file + ": there is no frame " +
@@ -91,7 +93,8 @@ int renderGif(const RenderOptions& options) {
     openContent(session, options.file);
     if (!writer.open(options.output)) throw CommandError(badUsage, options.output + ": cannot be opened for writing");
     try {
-        const RunEnd end = runToEnd(session, platform, {.endAtMs = options.maximumMs});
+        const RunEnd end =
+            runToEnd(session, platform, {.keys = keyPresses(options.keys), .endAtMs = options.maximumMs});
         throwIfAborted(options, session);
         if (animation.frames == 0) throw CommandError(failed, options.file + ": the content presented no frame");
         if (!animation.written || !writer.finish(endOfLastFrame(animation, end, platform)))
@@ -133,9 +136,11 @@ void addRenderCommand(CLI::App& app, int& status) {
     command->add_option("--max-time", options->maximumMs, "stop after that much of the content's time")
         ->type_name("MS")
         ->capture_default_str();
-    command->add_option("--budget", options->player.budget, "bytes that the player may use")->capture_default_str();
+    addKeyOption(*command, options->keys);
+    addBudgetOption(*command, options->player);
     command->footer(
-        "The content plays once, on a virtual clock; frames with more than 256 colours lose some in a GIF file.\n"
+        std::string(keyNamesHelp) +
+        "\nThe content plays once, on a virtual clock; frames with more than 256 colours lose some in a GIF file.\n"
         "Exit status: 0 written; 1 playback was aborted, or there is no such frame; 2 bad usage or a file that "
         "cannot be opened or written; 3 refused.");
     command->callback([options, &status] { status = runCommand("render", [&] { return render(*options); }); });

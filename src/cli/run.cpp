@@ -10,6 +10,7 @@
 #include "cli/picture.h"
 #include "cli/playback_errors.h"
 #include "cli/report_writer.h"
+#include "cli/shared_options.h"
 #include "host/headless_run.h"
 
 namespace qel::cli {
@@ -24,8 +25,7 @@ struct RunOptions {
     std::vector<std::string> keys, faults;
     std::uint32_t stopAtMs = 0, maximumMs = 0;
     bool hasStop = false, hasMaximum = false;
-    std::string date = "2000-01-01T00:00:00.000";
-    VirtualTime time;
+    ClockOptions clock;
     SessionOptions session{.player = {.loop = false}};
 };
 
@@ -56,8 +56,7 @@ class RunObserver : public SessionObserver {
 };
 
 Schedule makeSchedule(const RunOptions& options) {
-    Schedule schedule;
-    for (const std::string& key : options.keys) schedule.keys.push_back(*parseKey(key));
+    Schedule schedule{.keys = keyPresses(options.keys)};
     if (options.hasStop) schedule.stopAtMs = options.stopAtMs;
     if (options.hasMaximum) schedule.endAtMs = options.maximumMs;
     return schedule;
@@ -80,7 +79,7 @@ const char* endingName(RunEnd end, const Ending& ending) {
 
 // Plays the content; the report has its last line when this returns or throws, unless the content could not be opened.
 int playAndReport(const RunOptions& options, std::ostream& out) {
-    HeadlessPlatform platform(options.time);
+    HeadlessPlatform platform(virtualTime(options.clock));
     ReportWriter report(out, platform, options.services);
     RunObserver observer(report, options);
     Session session(platform, options.session, &observer);
@@ -98,7 +97,6 @@ int playAndReport(const RunOptions& options, std::ostream& out) {
 }
 
 int run(RunOptions options) {
-    options.time.startMs = *parseDate(options.date);
     for (const std::string& fault : options.faults) addFault(options.session.faults, fault);
     if (!options.framesDirectory.empty()) {
         std::error_code error;
@@ -119,16 +117,6 @@ int run(RunOptions options) {
     return status;
 }
 
-const CLI::Validator isDate{[](std::string& text) {
-                                return parseDate(text) ? std::string()
-                                                       : "not a date like 2000-01-01T00:00:00.000: " + text;
-                            },
-                            "DATE"};
-const CLI::Validator isKey{[](std::string& text) {
-                               return parseKey(text) ? std::string()
-                                                     : "not a time and a key code (0 to 255) like 1500:50: " + text;
-                           },
-                           "MS:CODE"};
 const CLI::Validator isFault{[](std::string& text) {
                                  Faults ignored;
                                  return addFault(ignored, text) ? std::string() : "no such fault: " + text;
@@ -152,10 +140,7 @@ void addRunCommand(CLI::App& app, int& status) {
     command->add_option("--format", options->format, "of the frames: rgb565 (raw little-endian words) or png")
         ->check(CLI::IsMember({"rgb565", "png"}))
         ->capture_default_str();
-    command->add_option("--key", options->keys, "press a key at a virtual time; may be repeated")
-        ->check(isKey)
-        ->take_all()
-        ->allow_extra_args(false);
+    addKeyOption(*command, options->keys);
     const CLI::Option* const stop =
         command->add_option("--stop-at", options->stopAtMs, "ask the content to stop at virtual time MS")
             ->type_name("MS");
@@ -165,23 +150,17 @@ void addRunCommand(CLI::App& app, int& status) {
     const CLI::Option* const maximum =
         command->add_option("--max-time", options->maximumMs, "end at virtual time MS")->type_name("MS");
     command->add_flag("--loop", session.player.loop, "play the content again when it ends");
-    command->add_option("--budget", session.player.budget, "bytes that the player may use")->capture_default_str();
+    addBudgetOption(*command, session.player);
     command->add_option("--time-slice", session.player.timeSlice, "milliseconds that one step may take")
         ->capture_default_str();
-    command->add_option("--date", options->date, "date and time at the start (UTC)")
-        ->check(isDate)
-        ->capture_default_str();
-    command->add_option("--tick", options->time.tick, "tick count at the start, milliseconds")->capture_default_str();
-    command->add_option("--tick-cost", options->time.tickCostUs, "what reading the tick count takes, microseconds")
-        ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{0xFFFFFFFF}))
-        ->type_name("UINT")
-        ->capture_default_str();
+    addClockOptions(*command, options->clock);
     command->add_option("--fault", options->faults, "open, temp, read:N, alloc:N or alloc-from:N; may be repeated")
         ->check(isFault)
         ->take_all()
         ->allow_extra_args(false);
     command->footer(
-        "Content may go on for ever: see --max-frames and --max-time.\n"
+        std::string(keyNamesHelp) +
+        "\nContent may go on for ever: see --max-frames and --max-time.\n"
         "Exit status: 0 finished, a limit reached, or idle; 1 aborted; 2 bad usage or a file that cannot be "
         "opened; 3 refused.");
     command->callback([options, stop, maximum, &status] {

@@ -10,6 +10,8 @@
 
 #include "host/files.h"
 #include "host/headless_platform.h"
+#include "host/help_panel.h"
+#include "host/keyboard.h"
 
 namespace qel {
 namespace {
@@ -78,7 +80,8 @@ class SdlPlatform : public DesktopPlatform {
     }
     bool fitTexture(int width, int height);
     void paint();
-    bool asksToQuit(const SDL_Event& event);
+    std::optional<Message> messageOf(const SDL_Event& event);
+    std::optional<Message> keyPressed(const SDL_Keysym& key);
 
     VideoSystem video_;
     std::unique_ptr<SDL_Window, DestroyWindow> window_;
@@ -86,6 +89,7 @@ class SdlPlatform : public DesktopPlatform {
     std::unique_ptr<SDL_Texture, DestroyTexture> texture_;
     int textureWidth_ = 0, textureHeight_ = 0;
     int scale_ = 0;
+    bool helpOpen_ = false;
     std::optional<std::uint64_t> timerDueMs_;
     FileTable files_;
 };
@@ -140,16 +144,36 @@ void SdlPlatform::paint() {
     SDL_SetRenderDrawColor(renderer_.get(), 0, 0, 0, SDL_ALPHA_OPAQUE);
     SDL_RenderClear(renderer_.get());
     if (texture_) SDL_RenderCopy(renderer_.get(), texture_.get(), nullptr, nullptr);
+    if (helpOpen_) {
+        SDL_RenderSetLogicalSize(renderer_.get(), 0, 0);
+        drawHelpPanel(renderer_.get());
+        SDL_RenderSetLogicalSize(renderer_.get(), textureWidth_, textureHeight_);
+    }
     SDL_RenderPresent(renderer_.get());
 }
 
-bool SdlPlatform::asksToQuit(const SDL_Event& event) {
+std::optional<DesktopPlatform::Message> SdlPlatform::keyPressed(const SDL_Keysym& key) {
+    using Kind = Message::Kind;
+    if (key.sym == SDLK_q) return Message{Kind::quit};
+    if (helpOpen_ || key.sym == SDLK_F1) {
+        helpOpen_ = !helpOpen_;
+        paint();
+        return Message{helpOpen_ ? Kind::pause : Kind::resume};
+    }
+    if ((key.mod & (KMOD_CTRL | KMOD_ALT | KMOD_GUI)) != 0) return std::nullopt;  // shortcuts of the desktop
+    const std::string name = SDL_GetKeyName(key.sym);  // a copy: the library's next call may use its buffer again
+    const std::optional<std::uint8_t> code = keyCodeForKeyboard(name, SDL_GetScancodeName(key.scancode));
+    return code ? std::optional(Message{Kind::key, *code}) : std::nullopt;
+}
+
+std::optional<DesktopPlatform::Message> SdlPlatform::messageOf(const SDL_Event& event) {
     switch (event.type) {
-        case SDL_QUIT: return true;
-        case SDL_KEYDOWN: return event.key.keysym.sym == SDLK_q;
+        case SDL_QUIT: return Message{Message::Kind::quit};
+        case SDL_KEYDOWN:  // a key that is held down was pressed once
+            return event.key.repeat == 0 ? keyPressed(event.key.keysym) : std::nullopt;
         case SDL_WINDOWEVENT:
-        case SDL_RENDER_TARGETS_RESET: paint(); return false;
-        default: return false;
+        case SDL_RENDER_TARGETS_RESET: paint(); return std::nullopt;
+        default: return std::nullopt;
     }
 }
 
@@ -163,10 +187,10 @@ DesktopPlatform::Message SdlPlatform::nextMessage() {
         // The window's messages go first: content that is always late must not keep it from closing.
         SDL_Event event;
         while (SDL_WaitEventTimeout(&event, patience)) {
-            if (asksToQuit(event)) return Message::quit;
+            if (const std::optional<Message> message = messageOf(event)) return *message;
             patience = 0;
         }
-        if (timerDueMs_ && SDL_GetTicks64() >= *timerDueMs_) return Message::timer;
+        if (timerDueMs_ && SDL_GetTicks64() >= *timerDueMs_) return {Message::Kind::timer};
     }
 }
 

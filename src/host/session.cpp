@@ -74,6 +74,18 @@ void Session::requestStop() {
     operate([](PlayerInstance& player) { playerRequestStop(player); });
 }
 
+void Session::pause() {
+    operate([](PlayerInstance& player) { playerPause(player); });
+}
+
+void Session::resume() {
+    operate([](PlayerInstance& player) { playerResume(player); });
+}
+
+PlayerStatistics Session::statistics() const {
+    return context_.player ? playerStatistics(*context_.player) : PlayerStatistics{};
+}
+
 void Session::stopAndFinish(std::uint32_t patienceMs) {
     if (operating_) return;
     requestStop();

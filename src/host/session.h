@@ -73,6 +73,8 @@ class Session {
     void timerFired();  // kills the timer, then steps, unless the player cancelled the timer in the meantime
     void keyInput(std::uint32_t keyCode);
     void requestStop();  // playback goes on to its end, by event 8
+    void pause();        // until resume; keys are lost meanwhile, and the time that passes is not caught up with
+    void resume();
 
     // Stops and steps until playback has ended, without waiting for the timer: for a window that closes. Content that
     // takes longer than `patienceMs` over its end is ended at once.
@@ -87,6 +89,7 @@ class Session {
     const Ending& ending() const { return ending_; }
     std::uint64_t framesPresented() const { return framesPresented_; }
     const ContentRead& lastRead() const { return lastRead_; }
+    PlayerStatistics statistics() const;  // also from inside an event; all 0 without a player
     const HostContext& context() const { return context_; }
 
     // The host callback that players of this session get.

@@ -180,5 +180,11 @@ TEST(RgbFrom565, RepeatsTheHighBitsBelow) {
     EXPECT_EQ(rgbFrom565(0x0821), (Rgb{8, 4, 8}));
 }
 
+TEST_F(RenderTest, PressesKeysOnTheWay) {
+    EXPECT_EQ(render(test::squareMovie(), "third.png", {"--frame", "3"}), success);
+    EXPECT_EQ(render(test::squareMovie(), "third.png", {"--frame", "3", "--key", "50:cancel"}), failed)
+        << "cancel ends the movie after its second frame";
+}
+
 }  // namespace
 }  // namespace qel::cli

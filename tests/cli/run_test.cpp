@@ -83,6 +83,7 @@ TEST_F(RunTest, EndsAsItsOptionsSay) {
         {{"--max-time", "70"}, "movie.vis", success, "{\"time\":70,\"end\":\"max-time\"}\n"},
         {{"--max-time", "0"}, "movie.vis", success, "{\"time\":0,\"end\":\"max-time\"}\n"},
         {{"--loop", "--max-frames", "9"}, "movie.vis", success, "\"end\":\"max-frames\"}\n"},
+        {{"--key", "50:cancel"}, "movie.vis", success, "{\"time\":60,\"end\":\"finished\"}\n"},
         {{"--loop", "--stop-at", "70"}, "movie.vis", success, "\"end\":\"finished\"}\n"},
         {{"--fault", "open"}, "movie.vis", failed, "{\"time\":20,\"end\":\"aborted\"}\n"},
         {{"--fault", "read:2"}, "movie.vis", failed, "{\"time\":20,\"end\":\"aborted\"}\n"},
@@ -100,9 +101,10 @@ TEST_F(RunTest, EndsAsItsOptionsSay) {
 
 TEST_F(RunTest, RejectsBadUsage) {
     const std::vector<std::string> rows[] = {
-        {"--key", "5"},      {"--key", "5:256"},   {"--key", ":5"},           {"--fault", "read:0"},
-        {"--fault", "full"}, {"--tick-cost", "0"}, {"--max-frames", "0"},     {"--date", "2001-02-29"},
-        {"--format", "gif"}, {"--budget", "-1"},   {"--frames", "/dev/null"},
+        {"--key", "5"},       {"--key", "5:256"},        {"--key", ":5"},          {"--key", "5:Select"},
+        {"--key", "5:"},      {"--key", "5:number5"},    {"--fault", "read:0"},    {"--fault", "full"},
+        {"--tick-cost", "0"}, {"--max-frames", "0"},     {"--date", "2001-02-29"}, {"--format", "gif"},
+        {"--budget", "-1"},   {"--frames", "/dev/null"},
     };
     for (const auto& options : rows) EXPECT_EQ(run(options), badUsage) << testing::PrintToString(options);
     EXPECT_EQ(run({}, "missing.vis"), badUsage);
@@ -195,6 +197,18 @@ TEST(ReportWriter, WritesCallsAndTextsByteForByte) {
     EXPECT_NE(out.str().find("\"argument\":2,\"text\":\"http://\xC3\xBC/\"}"), std::string::npos);
     EXPECT_NE(out.str().find("\"event\":7,\"argument\":5,\"value\":77}"), std::string::npos);
     EXPECT_NE(out.str().find("\"palette\":[0,0,0,0,0,0,0,0,0,0,65535]}"), std::string::npos);
+}
+
+TEST(OptionValues, ReadsKeysByCodeAndByName) {
+    const std::pair<const char*, std::uint32_t> rows[] = {{"5", 5},          {"155", 155}, {"select", 155},
+                                                          {"number-5", 133}, {"up", 150},  {"end", 147},
+                                                          {"ok", 153},       {"0", 0},     {"reserved-9", 169}};
+    for (const auto& [key, code] : rows) {
+        const std::optional<KeyPress> press = parseKey("70:" + std::string(key));
+        ASSERT_TRUE(press) << key;
+        EXPECT_EQ(press->atMs, 70u);
+        EXPECT_EQ(press->code, code) << key;
+    }
 }
 
 TEST(OptionValues, ReadsDates) {

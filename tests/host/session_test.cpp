@@ -77,6 +77,25 @@ TEST_F(SessionTest, AnswersEveryEventAsTheDeviceDoes) {
             << "event " << row.event << ", argument " << row.argument;
 }
 
+TEST_F(SessionTest, StandsStillWhilePaused) {
+    ASSERT_EQ(session.open("movie"), OpenResult::opened);
+    const auto fire = [this] {
+        platform.jumpTo(platform.timerDueUs().value());
+        session.timerFired();
+    };
+    while (session.framesPresented() < 1) fire();
+    session.pause();
+    session.keyInput(154);  // would end the movie
+    fire();                 // the message that was on its way
+    EXPECT_FALSE(platform.timerDueUs()) << "nothing to wait for";
+    platform.jumpTo(60000000);
+    EXPECT_EQ(session.framesPresented(), 1u);
+    session.resume();
+    EXPECT_EQ(runToEnd(session, platform, {}), RunEnd::playbackEnded);
+    EXPECT_EQ(session.framesPresented(), 3u);
+    EXPECT_GE(platform.elapsedMs(), 60000u + 50) << "the pause is not caught up with";
+}
+
 TEST_F(SessionTest, MakesFrameBuffersOfUpTo4096Pixels) {
     struct Row {
         std::uint32_t width, height, answer;
