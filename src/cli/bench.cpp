@@ -16,6 +16,8 @@ struct BenchOptions {
     std::string file;
     std::uint64_t frames = 300;
     bool once = false, json = false;
+    bool loop = true;             // spelled out for those who are used to the options of qel run
+    std::uint32_t timeSlice = 0;  // likewise
     ClockOptions clock;
     PlayerOptions player;
 };
@@ -133,9 +135,13 @@ void addBenchCommand(CLI::App& app, int& status) {
         ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{1000000}))
         ->type_name("N")
         ->capture_default_str();
-    command->add_flag("--once", options->once, "stop when the content ends instead of playing it again");
+    CLI::Option* const once =
+        command->add_flag("--once", options->once, "stop when the content ends instead of playing it again");
+    command->add_flag("--loop", options->loop, "play the content again until the frames are there (the default)")
+        ->excludes(once);
     command->add_flag("--json", options->json, "write one JSON object instead of a table");
     addBudgetOption(*command, options->player);
+    command->add_option("--time-slice", options->timeSlice, "milliseconds that one step may take; see below");
     addClockOptions(*command, options->clock);
     command->footer(
         "Times are real, in microseconds. The content sees a virtual clock on which work takes no time, so that it is\n"
@@ -146,7 +152,8 @@ void addBenchCommand(CLI::App& app, int& status) {
         "  presenting  overlays, handing the frame over (nothing is shown or written)\n"
         "  other       ending one pass and beginning the next\n"
         "Each line has its own median, so the lines need not add up. Loading is opening the content, up to where its\n"
-        "first frame begins. The player steps in single pieces of work here: there is no --time-slice.\n"
+        "first frame begins. A time slice is taken and changes nothing: the player gives way behind every piece of\n"
+        "work here, so that each can be measured.\n"
         "Fields of the JSON object: file, end (max-frames, finished, aborted, idle, or stalled: no frame for 10 "
         "minutes\n"
         "of the content's time), frames, passes, loading; frame, reading, scripts, drawing, presenting, other (each "
