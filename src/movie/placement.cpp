@@ -22,6 +22,14 @@ Result takeBack(Movie& movie, const Timeline& timeline, DisplayObject& kept, std
     return rejoinButtons(movie, kept);
 }
 
+// Keeps an object that is on no list until the actions of this cycle have run. No key reaches its buttons any more.
+void retire(Movie& movie, DisplayObject* object) {
+    const DisplayObject* behind = nextInDrawingOrder(object, true);
+    for (DisplayObject* each = object; each != behind; each = nextInDrawingOrder(each))
+        if (ButtonInstance* button = asButton(each)) leaveButtonList(*button);
+    append(movie.waiting, object);
+}
+
 }  // namespace
 
 Timeline rootTimeline(Movie& movie) {
@@ -63,7 +71,7 @@ Result removeObject(Movie& movie, const Timeline& timeline, std::uint8_t depth) 
         destroyObject(object);
         return Result::done;
     }
-    append(movie.waiting, object);  // until its code has run
+    retire(movie, object);
     return queueClipEvent(movie, *clip, ClipEvent::unload);
 }
 
@@ -109,10 +117,11 @@ void emptyIntoKept(Movie& movie, const Timeline& timeline) {
 }
 
 void dropKept(Movie& movie, const Timeline& timeline) {
-    if (timeline.clip)
-        moveToEnd(timeline.kept, movie.waiting);
-    else
-        clearList(timeline.kept);
+    if (!timeline.clip) return clearList(timeline.kept);
+    while (DisplayObject* object = timeline.kept.first) {
+        unlink(timeline.kept, object);
+        retire(movie, object);
+    }
 }
 
 }  // namespace qel

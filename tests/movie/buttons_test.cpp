@@ -178,6 +178,20 @@ TEST(Buttons, LoseTheFocusAtAKeyFrameAndClipsBringTheirsBack) {
     EXPECT_EQ(live.movie().buttons.focused->characterId, 21);
 }
 
+TEST(Buttons, OfClipsThatAreGoneHaveNoFocusWhileTheClipWaitsForItsActions) {
+    const Bytes clip = spriteOf(30, {frameOf({place(20, 0)})});
+    const Bytes placed =
+        author::placeClip({.characterId = 30, .depth = 0, .name = "", .handlers = {{.onUnload = true, .code = {1}}}});
+    LiveMovie live(visFile(strip(3, {clip, frameOf({placed, placeAt(21, 1)}), frameOf({author::removeAt(0)})})));
+    live.playFrames(1);
+    ASSERT_TRUE(live.movie().buttons.focused);
+    EXPECT_EQ(live.movie().buttons.focused->characterId, 21) << "the clip places its button behind the frame";
+    ASSERT_NE(live.movie().buttons.first, live.movie().buttons.last);
+    live.playFrames(2);
+    EXPECT_NE(live.movie().waiting.first, nullptr);
+    EXPECT_EQ(live.movie().buttons.first, live.movie().buttons.last);
+}
+
 TEST(KeyQueue, HoldsSevenAndGivesUpFromTheMiddle) {
     KeyQueue keys;
     for (std::uint8_t code = 1; code <= 8; ++code) keys.append(code);
