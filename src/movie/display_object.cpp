@@ -11,6 +11,15 @@ void destroyAs(DisplayObject* object) {
     PoolPtr<T>(static_cast<T*>(object), PoolDelete{pool}).reset();
 }
 
+// Moves all objects of a list to the end of another.
+void moveToEnd(DisplayList& from, DisplayList& to) {
+    if (!from.first) return;
+    from.first->previous = to.last;
+    (to.last ? to.last->next : to.first) = from.first;
+    to.last = from.last;
+    from.first = from.last = nullptr;
+}
+
 // Puts an object below `above`, or on top when that is null.
 void insertBelow(DisplayList& list, DisplayObject* object, DisplayObject* above) {
     object->next = above;
@@ -64,14 +73,6 @@ void unlink(DisplayList& list, DisplayObject* object) {
     (object->previous ? object->previous->next : list.first) = object->next;
     (object->next ? object->next->previous : list.last) = object->previous;
     object->previous = object->next = nullptr;
-}
-
-void moveToEnd(DisplayList& from, DisplayList& to) {
-    if (!from.first) return;
-    from.first->previous = to.last;
-    (to.last ? to.last->next : to.first) = from.first;
-    to.last = from.last;
-    from.first = from.last = nullptr;
 }
 
 void destroyObject(DisplayObject* object) {

@@ -149,9 +149,6 @@ void append(DisplayList& list, DisplayObject* object);
 // Takes an object off its list; the caller owns it.
 void unlink(DisplayList& list, DisplayObject* object);
 
-// Moves all objects of a list to the end of another.
-void moveToEnd(DisplayList& from, DisplayList& to);
-
 // Frees an object that is on no list, with everything below it. Buttons leave the list of buttons.
 void destroyObject(DisplayObject* object);
 
