@@ -61,6 +61,8 @@ Result moveFocus(Movie& movie, ButtonInstance& to) {
     if (from) {
         const Result left = setButtonState(movie, *from, ButtonState::up);
         if (failed(left)) return left;
+        // The look that is gone may have held the button that was to have the focus.
+        if (movie.buttons.focused != &to) return Result::done;
     }
     return setButtonState(movie, to, ButtonState::over);
 }

@@ -129,7 +129,8 @@ Result placeObject(Movie& movie, ContentReader body) {
     if (result != Result::done) return result;
     setMatrix(*placed, matrix);
     if (ClipInstance* clip = asClip(placed)) clip->stepping = ClipStepping::due;
-    if (movie.target >= placement.depth) ++movie.target;
+    constexpr std::int16_t lastPosition = 255;
+    if (movie.target >= placement.depth && movie.target < lastPosition) ++movie.target;
     return Result::done;
 }
 

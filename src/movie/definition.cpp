@@ -54,7 +54,20 @@ ContentReader behindIdentifier(ContentReader body) {
     return body;
 }
 
+// Kinds that make a character when they are read whole.
+constexpr bool isReadWhole(std::uint8_t type) {
+    switch (RecordType{type}) {
+        case RecordType::solidFill:
+        case RecordType::lineStyle:
+        case RecordType::commandButton:
+        case RecordType::textField:
+        case RecordType::compressionTable: return true;
+        default: return false;
+    }
+}
+
 Result defineWhole(CharacterPtr& character, const ScannedRecord& record, ContentReader body, Pool& pool) {
+    if (!isReadWhole(record.header.type)) return Result::nothing;
     if (record.header.length() > longestWholeRecord || !body.available(record.header.bodyLength))
         return Result::brokenDefinition;
     switch (RecordType{record.header.type}) {

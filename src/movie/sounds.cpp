@@ -35,7 +35,8 @@ Result startSound(Movie& movie, std::uint16_t id, std::uint8_t volume) {
     const std::optional<SoundChannel> channel = channelOf(sound.format);
     if (!channel) return Result::done;
     ChannelRecord& record = recordOf(movie, *channel);
-    record.sound = CharacterHold<Sound>(&sound);
+    // What played there stays until the host has the new sound.
+    const CharacterHold<Sound> before = std::exchange(record.sound, CharacterHold<Sound>(&sound));
     record.id = id;
     services(*movie.player)
         .startSound(*movie.player->host, {.channel = *channel,

@@ -192,6 +192,18 @@ TEST(Buttons, OfClipsThatAreGoneHaveNoFocusWhileTheClipWaitsForItsActions) {
     EXPECT_EQ(live.movie().buttons.first, live.movie().buttons.last);
 }
 
+TEST(Buttons, MayLoseTheOneThatWasToHaveTheFocusWithAnOldLook) {
+    const Bytes look = spriteOf(30, {frameOf({place(21, 0)})});
+    const Bytes outer = author::button(31, {.up = 10, .over = 30, .down = 12}, {});
+    LiveMovie live(visFile(strip(3, {look, outer, frameOf({placeAt(31, 0)}), frameOf({}), frameOf({})})));
+    live.playFrames(1);
+    live.playUntil(Phase::queuedActions);
+    ASSERT_TRUE(hasSeveral(live.movie().buttons)) << "the look of the button has placed one of its own";
+    EXPECT_EQ(focusNext(live.movie()), Result::done);
+    EXPECT_FALSE(hasSeveral(live.movie().buttons));
+    EXPECT_EQ(live.movie().buttons.focused->characterId, 31);
+}
+
 TEST(KeyQueue, HoldsSevenAndGivesUpFromTheMiddle) {
     KeyQueue keys;
     for (std::uint8_t code = 1; code <= 8; ++code) keys.append(code);

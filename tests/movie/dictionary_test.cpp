@@ -132,6 +132,9 @@ TEST(Dictionary, BrokenDefinitionsInTheStream) {
     EXPECT_TRUE(endingOf(author::record(RecordType::sound, Bytes{20, 0})).finished());
     EXPECT_TRUE(endingOf(author::record(RecordType::textField, Bytes(3000, 0))).finished())
         << "too long to be read whole";
+    for (const std::size_t size : {20u, 5000u})
+        EXPECT_TRUE(endingOf(author::record(RecordType::bitmap, Bytes(size, 1))).finished())
+            << "pictures are passed over";
 }
 
 TEST(Purging, TakesIdleShapesAndThenWhatTheContentLists) {
