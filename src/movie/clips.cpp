@@ -63,6 +63,7 @@ Result makeClip(Movie& movie, DisplayObject* owner, Sprite& sprite, ClipArgument
     clip->owner = owner;
     clip->sprite = CharacterHold<Sprite>(&sprite);
     const ClipInstance* around = clipAround(*clip);
+    clip->placedOnTheWay = movie.scripts.gotoMark;
     const unsigned nesting = around ? around->depth + 1u : 1u;
     if (nesting > maximumClipNesting) return Result::nothing;
     clip->depth = static_cast<std::uint16_t>(nesting);

@@ -93,6 +93,7 @@ struct PlacementNumber {
 enum class ClipStepping : std::uint8_t {
     due,      // the walk behind the frame steps it
     fresh,    // as due, and the frame being read has placed it: a move steps it at once
+    late,     // as due, but a goto placed it in a frame on its way: a move no longer steps it
     stepped,  // a move has stepped it while the frame was read: the walk passes over it once
     found,    // a key frame has found it again: likewise
 };
@@ -128,6 +129,7 @@ struct ClipInstance : DisplayObject {
     bool visible = true;
     bool matrixFromScript = false;      // a script has set the matrix: moves of a frame that finds it again are ignored
     bool skipFrameEvent = true;         // the next frame event is not for it
+    bool placedOnTheWay = false;        // by a frame that a goto passed over: its first frame queues no actions either
     PoolArray<ClipKeyFrame> keyFrames;  // ascending
     PoolText name;
     ClipHandlers handlers;

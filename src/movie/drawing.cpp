@@ -73,7 +73,6 @@ Result presentDrawnFrame(Movie& movie) {
     movie.pacing.frameStart = now;
     movie.pacing.presented = now;
     movie.pacing.firstFrame = false;
-    movie.pacing.dropped = false;
     movie.state.phase = Phase::dispatch;
     answer(movie, LoadCode::again);
     return Result::done;

@@ -138,9 +138,9 @@ Result updatePurgeOrder(const ItemContext& context, ContentReader body) {
     std::uint64_t bitsLeft = std::uint64_t{body.left()} * 8 + 3;
     for (; body.ok() && bitsLeft >= 2 * bits; bitsLeft -= 2 * bits) {
         const auto id = static_cast<std::uint16_t>(body.ub(bits));
-        const auto position = static_cast<std::uint8_t>(body.ub(bits));
+        const unsigned position = body.ub(bits);
         if (position == 0) break;
-        if (position <= order.size()) order[position - 1u] = id;
+        if (position <= order.size()) order[position - 1] = id;
     }
     return body.ok() ? Result::done : Result::badContent;
 }

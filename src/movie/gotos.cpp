@@ -131,12 +131,23 @@ Result beginWay(Movie& movie, std::uint16_t frame, FrameFinder& finder) {
     return passCachedFrame(movie, *cache);
 }
 
+// The frames of a way follow one another: what one of them has placed or found is nothing new to the next.
+void endFrameOfWay(const DisplayList& list) {
+    for (DisplayObject* object = list.first; object; object = object->next) {
+        ClipInstance* clip = asClip(object);
+        if (!clip) continue;
+        const bool awaitsItsFirst = clip->stepping == ClipStepping::fresh || clip->stepping == ClipStepping::late;
+        clip->stepping = awaitsItsFirst ? ClipStepping::late : ClipStepping::due;
+    }
+}
+
 Result passFramesUpTo(Movie& movie, std::uint16_t frame, FrameFinder& finder) {
     while (movie.frameIndex <= frame) {
         RootFrame next;
         const Result found = findNext(finder, next);
         if (found != Result::done) return failed(found) ? found : Result::done;
         movie.scripts.gotoMark = movie.frameIndex != frame;
+        endFrameOfWay(movie.root);
         const Result passed = passRootFrame(movie, next);
         if (failed(passed)) return passed;
     }
@@ -146,6 +157,7 @@ Result passFramesUpTo(Movie& movie, std::uint16_t frame, FrameFinder& finder) {
 Result passClipFrames(Movie& movie, ClipInstance& clip, std::uint32_t count) {
     for (std::uint32_t i = 0; i < count; ++i) {
         movie.scripts.gotoMark = i + 1 != count;
+        endFrameOfWay(clip.children);
         const Result advanced = advanceClip(movie, clip, false);
         if (failed(advanced)) return advanced;
     }

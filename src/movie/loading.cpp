@@ -146,7 +146,6 @@ Result sniffContent(Movie& movie) {
         case ContentFamily::unknown: return Result::badContent;
     }
     movie.state.enter(Phase::load, LoadStep::header);
-    movie.state.recordStage = 0;
     answer(movie, LoadCode::again);
     return Result::done;
 }

@@ -69,7 +69,6 @@ struct Pacing {
     std::uint32_t deadline = 0;    // fixed rate: when the current frame is due
     bool resynchronise = true;     // the clock starts again with the next frame
     bool firstFrame = true;        // nothing was shown in this pass
-    bool dropped = false;          // the frame before was not drawn
     bool draining = false;         // nothing waits any more
 };
 

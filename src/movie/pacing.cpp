@@ -62,7 +62,6 @@ Verdict paceAtFixedRate(Movie& movie, std::uint32_t duration) {
     pacing.deadline += duration;
     if (tickDifference(now, pacing.deadline + slack) <= 0) return Verdict::draw;
     if (isAlwaysShown(movie)) return Verdict::draw;
-    pacing.dropped = true;
     pacing.frameStart = now;
     return Verdict::drop;
 }
@@ -105,7 +104,6 @@ Result paceFrame(Movie& movie) {
         if (failed(focused)) return focused;
     }
     if (movie.state.restartRequested) {
-        movie.state.restartRequested = false;
         movie.state.enter(Phase::load, LoadStep::rewind);
         return Result::done;
     }
@@ -128,7 +126,8 @@ Result finishPass(Movie& movie) {
         }
     }
     stopSounds(movie);
-    if (movie.state.loop && !movie.state.stopRequested) {
+    const bool again = movie.state.loop || movie.state.restartRequested;
+    if (again && !movie.state.stopRequested) {
         movie.state.enter(Phase::load, LoadStep::rewind);
         answer(movie, LoadCode::loopBack);
     } else {

@@ -22,11 +22,13 @@ Result takeBack(Movie& movie, const Timeline& timeline, DisplayObject& kept, std
     return rejoinButtons(movie, kept);
 }
 
-// Keeps an object that is on no list until the actions of this cycle have run. No key reaches its buttons any more.
+// Keeps an object that is on no list until the actions of this cycle have run. No key reaches its buttons any more,
+// and what held it may go before it does.
 void retire(Movie& movie, DisplayObject* object) {
     const DisplayObject* behind = nextInDrawingOrder(object, true);
     for (DisplayObject* each = object; each != behind; each = nextInDrawingOrder(each))
         if (ButtonInstance* button = asButton(each)) leaveButtonList(*button);
+    object->owner = nullptr;
     append(movie.waiting, object);
 }
 

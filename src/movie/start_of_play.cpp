@@ -65,7 +65,8 @@ void enterPass(Movie& movie) {
     movie.position = movie.firstFramePosition;
     movie.reader = ContentReader();
     movie.fullRedraw = true;
-    enterPlay(movie.state);
+    movie.state.restartRequested = false;  // this is where a restart leads
+    movie.state.enter(Phase::play, PlayStep::nextFrame);
     askForBytes(movie, movie.firstFramePosition);
     answer(movie, LoadCode::newPass);
 }

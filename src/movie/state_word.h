@@ -39,7 +39,6 @@ enum class PaceStep : std::uint8_t { wait = 1, draw = 2, present = 3 };
 struct StateWord {
     Phase phase = Phase::sniff;        // bits 0 to 3
     std::uint8_t step = 1;             // bits 4 to 7
-    std::uint8_t recordStage = 0;      // bits 8 to 11
     bool frameLoopActive = false;      // bit 24
     bool startMuted = false;           // bit 25
     bool buttonChangePending = false;  // bit 26
@@ -59,11 +58,5 @@ struct StateWord {
         step = static_cast<std::uint8_t>(nextStep);
     }
 };
-
-// Where loading and rewinding end: phase 3, step 1, record stage 1.
-inline void enterPlay(StateWord& state) {
-    state.enter(Phase::play, PlayStep::nextFrame);
-    state.recordStage = 1;
-}
 
 }  // namespace qel

@@ -59,9 +59,11 @@ Result stepRange(Movie& movie, DisplayObject* object, const DisplayObject* behin
         ClipInstance* clip = asClip(object);
         if (!clip) continue;
         const ClipStepping stepping = std::exchange(clip->stepping, ClipStepping::due);
-        const bool due = stepping == ClipStepping::fresh || (stepping == ClipStepping::due && walk == Walk::wholeFrame);
-        if (!due) continue;
+        const bool isNew = stepping == ClipStepping::fresh || stepping == ClipStepping::late;
+        if (!isNew && (stepping != ClipStepping::due || walk != Walk::wholeFrame)) continue;
+        movie.scripts.gotoMark = std::exchange(clip->placedOnTheWay, false);
         const Result stepped = stepClip(movie, *clip);
+        movie.scripts.gotoMark = false;
         if (failed(stepped)) return stepped;
     }
     return Result::done;

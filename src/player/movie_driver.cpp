@@ -17,6 +17,7 @@ enum class Dispatch { goOn, ended, endedShort };
 constexpr std::int32_t shortContent = 3;  // what a step answers when the content is shorter than it announced
 
 void arm(PlayerInstance& player, std::uint32_t interval) {
+    if (player.ended) return;
     services(player).armTimer(*player.host, interval);
     player.timerArmed = true;
 }
@@ -32,11 +33,13 @@ void wake(PlayerInstance& player) {
 }
 
 Dispatch abortPlayback(PlayerInstance& player, AbortReason reason) {
+    player.ended = true;
     raiseEvent(player, HostEvent::aborted, static_cast<std::uint32_t>(reason), 0);
     return Dispatch::ended;
 }
 
 Dispatch finishPlayback(PlayerInstance& player, FinishReason reason, const char* text) {
+    player.ended = true;
     raiseEvent(player, HostEvent::finished, static_cast<std::uint32_t>(reason), reinterpret_cast<std::uintptr_t>(text));
     return Dispatch::ended;
 }
@@ -159,7 +162,7 @@ std::int32_t start(PlayerInstance& player) {
 
 std::int32_t step(PlayerInstance& player) {
     player.timerArmed = false;
-    if (!player.loadStatus) return 0;
+    if (!player.loadStatus || player.ended) return 0;
     for (;;) {
         const Dispatch dispatched = dispatchStatus(player);
         if (dispatched != Dispatch::goOn) return dispatched == Dispatch::endedShort ? shortContent : 0;

@@ -41,6 +41,7 @@ struct PlayerInstance {
     bool suppressPresent = false;  // raise nothing for a frame: the engine is being drained
     bool timerArmed = false;
     bool wakePending = false;  // the engine is idle: the next outside call arms the timer
+    bool ended = false;        // event 8 or 9 was raised: nothing plays any more
     std::uint32_t passCount = 1;
 
     // Teardown asked for from inside an event waits until the operation that raised it has returned.

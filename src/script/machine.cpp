@@ -22,7 +22,6 @@ Result runScripts(Movie& movie, ScriptRun run) {
     StateWord& state = movie.state;
     answer(movie, LoadCode::again);
     if (state.restartRequested) {
-        state.restartRequested = false;
         state.enter(Phase::load, LoadStep::rewind);
         return Result::done;
     }
@@ -30,7 +29,7 @@ Result runScripts(Movie& movie, ScriptRun run) {
         const Result offered = offerQueuedKeys(movie);
         if (failed(offered) || movie.loadStatus.code == LoadCode::finished) return offered;
     }
-    if (run == ScriptRun::queuedActions) clearList(movie.waiting);
+    clearList(movie.waiting);
     if (state.stopRequested)
         state.phase = Phase::finish;
     else

@@ -187,7 +187,8 @@ TEST(Buttons, OfClipsThatAreGoneHaveNoFocusWhileTheClipWaitsForItsActions) {
     ASSERT_TRUE(live.movie().buttons.focused);
     EXPECT_EQ(live.movie().buttons.focused->characterId, 21) << "the clip places its button behind the frame";
     ASSERT_NE(live.movie().buttons.first, live.movie().buttons.last);
-    live.playFrames(2);
+    live.playUntil(Phase::play);
+    live.playUntil(Phase::frameActions);
     EXPECT_NE(live.movie().waiting.first, nullptr);
     EXPECT_EQ(live.movie().buttons.first, live.movie().buttons.last);
 }

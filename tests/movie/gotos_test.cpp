@@ -55,6 +55,25 @@ TEST(RootGoto, BuildsTheFrameFromTheLastKeyFrameAndPlaysOnBehindIt) {
             }
 }
 
+TEST(RootGoto, MovesAClipThatItsKeyFrameHasFoundWhereALaterFrameDoes) {
+    const Bytes placed = author::joined({author::instanceNumber(3), place(20, 0), move(0, at(1, 0))});
+    MovieFile movie = smallMovie(8, 1,
+                                 {rectangle(10, 1, 1, 1), spriteOf(20, {frameOf({place(10, 0)})}),
+                                  keyFrame(40, 0, placed), frameOf({move(0, at(2, 0))}), frameOf({})});
+    movie.frameCount = 3;
+    movie.properties.keyFrameIndex(std::vector<author::Properties::KeyFrame>{{0, 40}});
+    LiveMovie live(visFile(movie));
+    live.playFrames(1);
+    DisplayObject& clip = *live.movie().root.first;
+    asClip(&clip)->matrixFromScript = true;
+    clip.matrix.tx = 5;
+    ASSERT_EQ(gotoRootFrame(live.movie(), 0), Result::done);
+    EXPECT_EQ(clip.matrix.tx, 5) << "a script has put it there";
+    ASSERT_EQ(gotoRootFrame(live.movie(), 1), Result::done);
+    ASSERT_EQ(live.movie().root.first, &clip);
+    EXPECT_EQ(clip.matrix.tx, 2);
+}
+
 TEST(RootGoto, IgnoresWhatIsNotThere) {
     MovieFile movie = walk(true);
     movie.properties.keyFrameIndex(std::vector<author::Properties::KeyFrame>{{0, 10}, {6, 999}});

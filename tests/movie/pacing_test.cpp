@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "support/live_movie.h"
 #include "support/playback.h"
 #include "support/small_movie.h"
 
@@ -93,6 +94,21 @@ TEST(Loops, ShowTheFirstFrameOfEachPassAtOnce) {
     ASSERT_EQ(playback.frameTimesMs.size(), 5u);
     EXPECT_NEAR(double(playback.frameTimesMs[2] - playback.frameTimesMs[1]), 60.0, 1.0)
         << "the last frame's whole time";
+}
+
+TEST(Restart, BeginsOneNewPassHoweverFarTheMovieIs) {
+    for (const Phase phase : {Phase::play, Phase::pace, Phase::dispatch, Phase::finish}) {
+        LiveMovie live(visFile(emptyFrames(2, 60)));
+        live.playFrames(phase == Phase::finish ? 2 : 1);
+        ASSERT_TRUE(live.playUntil(phase));
+        live.movie().state.restartRequested = true;
+        live.playFrames(100);
+        const std::string events = live.seen().eventNumbers();
+        EXPECT_EQ(events.back(), '8') << events;
+        std::size_t passes = 0;
+        for (const SeenEvent& seen : live.seen().events) passes += seen.event == HostEvent::newPass;
+        EXPECT_EQ(passes, 2u) << static_cast<int>(phase);
+    }
 }
 
 }  // namespace
