@@ -38,11 +38,25 @@ inline constexpr std::uint32_t charge<struct SolidFill> = 16;
 template <>
 inline constexpr std::uint32_t charge<struct LineStyle> = 4;
 template <>
+inline constexpr std::uint32_t charge<struct GradientFill> = 824;
+template <>
+inline constexpr std::uint32_t charge<struct GradientStop> = 4;
+template <>
+inline constexpr std::uint32_t charge<struct BitmapFill> = 48;
+template <>
+inline constexpr std::uint32_t charge<struct MorphShape> = 12;
+template <>
+inline constexpr std::uint32_t charge<struct StylePair> = 4;
+template <>
 inline constexpr std::uint32_t charge<struct Shape> = 44;
 template <>
 inline constexpr std::uint32_t charge<struct PathSegment> = 14;
 template <>
 inline constexpr std::uint32_t charge<struct StyleGroup> = 16;
+template <class Style>
+struct StyleUse;
+template <class Style>
+inline constexpr std::uint32_t charge<StyleUse<Style>> = 4;
 template <>
 inline constexpr std::uint32_t charge<struct Sprite> = 40;
 template <>
@@ -78,10 +92,14 @@ inline constexpr std::uint32_t charge<struct ClipKeyFrame> = 8;
 template <>
 inline constexpr std::uint32_t charge<struct ClipHandler> = 16;
 template <>
-inline constexpr std::uint32_t charge<struct FillCopy> = 8;
+inline constexpr std::uint32_t charge<struct MorphInstance> = 232;
 template <>
-inline constexpr std::uint32_t charge<struct FillEdge> = 24;
+inline constexpr std::uint32_t charge<struct MorphStyle> = 12;
 template <>
-inline constexpr std::uint32_t charge<struct FillEdge*> = 4;
+inline constexpr std::uint32_t charge<struct FillEdge> = 28;  // with a pointer from the order of first rows
+template <>
+inline constexpr std::uint32_t charge<struct PlacedFill> = 20;  // a sampling matrix
+template <>
+inline constexpr std::uint32_t charge<struct PlacedLine> = 4;
 
 }  // namespace qel

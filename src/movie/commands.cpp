@@ -185,7 +185,13 @@ Result changeTarget(Movie& movie, CommandCode code, ContentReader body) {
             if (body.ok()) fade(*target, by);
             break;
         }
-        default: return Result::nothing;  // a ratio, which only morphs have
+        case CommandCode::ratio: {
+            const std::uint16_t ratio = body.u16();
+            if (!asMorph(target)) return Result::nothing;
+            if (body.ok()) setRatio(*target, ratio);
+            break;
+        }
+        default: return Result::nothing;
     }
     return body.ok() ? Result::done : Result::nothing;
 }

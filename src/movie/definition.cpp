@@ -1,43 +1,18 @@
 #include "movie/definition.h"
 
-#include <algorithm>
-#include <type_traits>
-
 #include "movie/button.h"
 #include "movie/compression_table.h"
 #include "movie/edit_text.h"
 #include "movie/frame_cache.h"
 #include "movie/sound_character.h"
 #include "movie/sprite.h"
+#include "movie/style_resolution.h"
+#include "render/morph_shape.h"
 #include "render/shape.h"
 #include "render/styles.h"
 
 namespace qel {
 namespace {
-
-// Names of styles become the characters they name. A style that cannot be had makes the shape unusable.
-template <class Style>
-Result resolveStyle(CharacterDictionary& dictionary, std::uint16_t id, CharacterHold<Style>& style) {
-    if (id == noCharacter) return Result::done;
-    const Lookup found = lookupCharacter(dictionary, id);
-    if (!found.character) return failed(found.result) ? found.result : Result::brokenDefinition;
-    const bool isLine = found.character->kind == CharacterKind::lineStyle;
-    const bool isFill = found.character->kind == CharacterKind::solidFill;
-    if (std::is_same_v<Style, LineStyle> ? !isLine : !isFill) return Result::brokenDefinition;
-    style = CharacterHold<Style>(static_cast<Style*>(found.character.get()));
-    return Result::done;
-}
-
-Result resolveStyles(CharacterDictionary& dictionary, ShapeGeometry& geometry) {
-    for (StyleGroup& group : geometry.groups) {
-        for (const Result resolved :
-             {resolveStyle(dictionary, group.fill0Id, group.fill0),
-              resolveStyle(dictionary, group.fill1Id, group.fill1), resolveStyle(dictionary, group.lineId, group.line)})
-            if (failed(resolved)) return resolved;
-        if (group.line) geometry.maximumLineWidth = std::max(geometry.maximumLineWidth, group.line->width);
-    }
-    return Result::done;
-}
 
 // Runs a definer and keeps what it made.
 template <class T, class Define>
@@ -58,7 +33,10 @@ ContentReader behindIdentifier(ContentReader body) {
 constexpr bool isReadWhole(std::uint8_t type) {
     switch (RecordType{type}) {
         case RecordType::solidFill:
+        case RecordType::gradientFill:
+        case RecordType::bitmapFill:
         case RecordType::lineStyle:
+        case RecordType::morphShape:
         case RecordType::commandButton:
         case RecordType::textField:
         case RecordType::compressionTable: return true;
@@ -74,6 +52,18 @@ Result defineWhole(CharacterPtr& character, const ScannedRecord& record, Content
         case RecordType::solidFill:
             return keep<SolidFill>(character, [&](PoolPtr<SolidFill>& style) {
                 return defineSolidFill(behindIdentifier(body), record.id, pool, style);
+            });
+        case RecordType::gradientFill:
+            return keep<GradientFill>(character, [&](PoolPtr<GradientFill>& style) {
+                return defineGradientFill(behindIdentifier(body), record.id, pool, style);
+            });
+        case RecordType::bitmapFill:
+            return keep<BitmapFill>(character, [&](PoolPtr<BitmapFill>& style) {
+                return defineBitmapFill(behindIdentifier(body), record.id, pool, style);
+            });
+        case RecordType::morphShape:
+            return keep<MorphShape>(character, [&](PoolPtr<MorphShape>& morph) {
+                return defineMorphShape(behindIdentifier(body), pool, morph);
             });
         case RecordType::lineStyle:
             return keep<LineStyle>(character, [&](PoolPtr<LineStyle>& style) {

@@ -7,6 +7,7 @@
 #include "movie/frame_cache.h"
 #include "movie/sound_character.h"
 #include "movie/sprite.h"
+#include "render/morph_shape.h"
 #include "render/shape.h"
 
 namespace qel {
@@ -69,6 +70,9 @@ void destroyCharacter(Character* character) {
     switch (character->kind) {
         case CharacterKind::shape: return destroyAs<Shape>(character);
         case CharacterKind::solidFill: return destroyAs<SolidFill>(character);
+        case CharacterKind::gradientFill: return destroyAs<GradientFill>(character);
+        case CharacterKind::bitmapFill: return destroyAs<BitmapFill>(character);
+        case CharacterKind::morphShape: return destroyAs<MorphShape>(character);
         case CharacterKind::lineStyle: return destroyAs<LineStyle>(character);
         case CharacterKind::sprite: return destroyAs<Sprite>(character);
         case CharacterKind::sound: return destroyAs<Sound>(character);

@@ -34,6 +34,9 @@ void destroyEmpty(DisplayObject* object) {
         case ObjectKind::shape:
             releaseCharacter(*static_cast<ShapeInstance*>(object)->shape);
             return destroyAs<ShapeInstance>(object);
+        case ObjectKind::morph:
+            releaseShapes(static_cast<MorphInstance*>(object)->morph);
+            return destroyAs<MorphInstance>(object);
         case ObjectKind::button:
             leaveButtonList(*static_cast<ButtonInstance*>(object));
             return destroyAs<ButtonInstance>(object);
@@ -73,6 +76,11 @@ void unlink(DisplayList& list, DisplayObject* object) {
     (object->previous ? object->previous->next : list.first) = object->next;
     (object->next ? object->next->previous : list.last) = object->previous;
     object->previous = object->next = nullptr;
+}
+
+void releaseShapes(const Morph& morph) {
+    for (const CharacterHold<Shape>* shape : {&morph.start, &morph.end})
+        if (*shape) releaseCharacter(**shape);
 }
 
 void destroyObject(DisplayObject* object) {

@@ -9,12 +9,13 @@
 #include "movie/character.h"
 #include "movie/edit_text.h"
 #include "movie/sprite.h"
-#include "render/edge_table.h"
+#include "render/morph.h"
+#include "render/placed_shape.h"
 
 namespace qel {
 
 // The numbers of the device. Kinds without a structure here are never placed.
-enum class ObjectKind : std::uint8_t { shape = 1, button = 4, clip = 5, text = 6 };
+enum class ObjectKind : std::uint8_t { shape = 1, morph = 2, button = 4, clip = 5, text = 6 };
 
 struct DisplayObject {
     static constexpr std::uint32_t noPlaceKey = 0xFFFFFFFF;
@@ -55,6 +56,12 @@ struct DisplayList {
 
 struct ShapeInstance : DisplayObject {
     CharacterHold<Shape> shape;
+    PlacedShape placed;
+};
+
+struct MorphInstance : DisplayObject {
+    Morph morph;
+    bool morphed = false;  // its ratio has changed since the shape between was made
     PlacedShape placed;
 };
 
@@ -151,6 +158,9 @@ void append(DisplayList& list, DisplayObject* object);
 // Takes an object off its list; the caller owns it.
 void unlink(DisplayList& list, DisplayObject* object);
 
+// Gives back the uses that a morph has of its two shapes.
+void releaseShapes(const Morph& morph);
+
 // Frees an object that is on no list, with everything below it. Buttons leave the list of buttons.
 void destroyObject(DisplayObject* object);
 
@@ -171,6 +181,9 @@ inline ClipInstance* asClip(DisplayObject* object) {
 }
 inline const ClipInstance* asClip(const DisplayObject* object) {
     return object && object->kind == ObjectKind::clip ? static_cast<const ClipInstance*>(object) : nullptr;
+}
+inline MorphInstance* asMorph(DisplayObject* object) {
+    return object && object->kind == ObjectKind::morph ? static_cast<MorphInstance*>(object) : nullptr;
 }
 inline ButtonInstance* asButton(DisplayObject* object) {
     return object && object->kind == ObjectKind::button ? static_cast<ButtonInstance*>(object) : nullptr;

@@ -5,24 +5,30 @@
 #include "movie/movie.h"
 #include "movie/refresh.h"
 #include "player/engine_services.h"
-#include "render/rasterizer.h"
+#include "render/draw_shape.h"
 
 namespace qel {
 namespace {
 
 bool needsDrawing(const Movie& movie, const DisplayObject& object) {
-    return object.kind == ObjectKind::shape && object.shown && movie.changedAreas.intersects(object.bounds);
+    const bool isDrawn = object.kind == ObjectKind::shape || object.kind == ObjectKind::morph;
+    return isDrawn && object.shown && movie.changedAreas.intersects(object.bounds);
+}
+
+Result drawInto(Movie& movie, DisplayObject& object, const Rect& clip) {
+    if (MorphInstance* morph = asMorph(&object))
+        return drawShape(movie.render, ShapeKind::morph, morph->morph.geometry, morph->placed, clip);
+    auto& instance = static_cast<ShapeInstance&>(object);
+    return drawShape(movie.render, ShapeKind::plain, instance.shape->geometry, instance.placed, clip);
 }
 
 // Draws an object in each of the areas: they do not overlap, so nothing is drawn twice.
-Result drawObject(Movie& movie, const DisplayObject& object) {
-    const auto& instance = static_cast<const ShapeInstance&>(object);
-    if (!instance.shape->geometry.hasFill) return Result::done;
+Result drawObject(Movie& movie, DisplayObject& object) {
     for (const Rect& area : movie.changedAreas.areas()) {
         const Rect clip = intersection(area, object.bounds);
         if (isEmpty(clip)) continue;
-        const Result filled = fillShape(movie.render, instance.placed.table, clip);
-        if (failed(filled)) return filled;
+        const Result drawn = drawInto(movie, object, clip);
+        if (failed(drawn)) return drawn;
     }
     return Result::done;
 }

@@ -117,6 +117,14 @@ Result applyAlpha(const ItemContext& context, ContentReader body) {
     return Result::done;
 }
 
+Result applyRatio(const ItemContext& context, ContentReader body) {
+    const std::uint8_t depth = body.u8();
+    const std::uint16_t ratio = body.u16();
+    if (!body.ok()) return Result::badContent;
+    if (DisplayObject* object = objectAt(context.timeline.list, depth)) setRatio(*object, ratio);
+    return Result::done;
+}
+
 Result applyRemove(const ItemContext& context, ContentReader body) {
     const std::uint8_t depth = body.u8();
     return body.ok() ? removeObject(context.movie, context.timeline, depth) : Result::badContent;
@@ -138,9 +146,9 @@ Result updatePurgeOrder(const ItemContext& context, ContentReader body) {
     std::uint64_t bitsLeft = std::uint64_t{body.left()} * 8 + 3;
     for (; body.ok() && bitsLeft >= 2 * bits; bitsLeft -= 2 * bits) {
         const auto id = static_cast<std::uint16_t>(body.ub(bits));
-        const unsigned position = body.ub(bits);
+        const auto position = static_cast<std::uint8_t>(body.ub(bits));  // the low 8 bits count
         if (position == 0) break;
-        if (position <= order.size()) order[position - 1] = id;
+        if (position <= order.size()) order[position - 1u] = id;
     }
     return body.ok() ? Result::done : Result::badContent;
 }
@@ -169,7 +177,7 @@ Result applyItem(const ItemContext& context, FrameItemType type, ContentReader b
         case FrameItemType::actions:
             if (movie.scripts.gotoMark) return Result::nothing;
             return queueActionList(movie, body.rest(), context.timeline.clip);
-        case FrameItemType::ratio: return body.available(3) ? Result::nothing : Result::badContent;
+        case FrameItemType::ratio: return applyRatio(context, body);
     }
     return Result::nothing;  // a type that nothing reads
 }

@@ -18,6 +18,36 @@ Result makeShape(Movie& movie, Shape& shape, DisplayObject*& made) {
     return Result::done;
 }
 
+// Looks up one of the shapes of a morph. `nothing`: there is none.
+Result lookupShape(Movie& movie, std::uint16_t id, CharacterHold<Shape>& shape) {
+    CharacterHold<Character> character;
+    const Result found = lookupForPlacement(movie, id, character);
+    if (failed(found)) return found;
+    if (!character || character->kind != CharacterKind::shape) return Result::nothing;
+    shape = CharacterHold<Shape>(static_cast<Shape*>(character.get()));
+    return Result::done;
+}
+
+Result makeMorphOf(Movie& movie, const MorphShape& character, Morph& morph) {
+    for (auto [id, shape] : {std::pair{character.startId, &morph.start}, {character.endId, &morph.end}}) {
+        const Result found = lookupShape(movie, id, *shape);
+        if (found != Result::done) return found;
+    }
+    return makeMorph(character, movie.pool, morph);
+}
+
+Result makeMorphInstance(Movie& movie, const MorphShape& character, DisplayObject*& made) {
+    PoolPtr<MorphInstance> instance = makePooled<MorphInstance>(movie.pool);
+    if (!instance) return Result::outOfMemory;
+    instance->kind = ObjectKind::morph;
+    const Result result = makeMorphOf(movie, character, instance->morph);
+    if (result == Result::done)
+        made = instance.release();
+    else
+        releaseShapes(instance->morph);
+    return result;
+}
+
 Result makeText(Movie& movie, EditText& field, DisplayObject*& made) {
     PoolPtr<TextInstance> instance = makePooled<TextInstance>(movie.pool);
     if (!instance) return Result::outOfMemory;
@@ -31,6 +61,7 @@ Result makeKind(Movie& movie, DisplayObject* owner, Character& character, ClipAr
                 DisplayObject*& made) {
     switch (character.kind) {
         case CharacterKind::shape: return makeShape(movie, static_cast<Shape&>(character), made);
+        case CharacterKind::morphShape: return makeMorphInstance(movie, static_cast<MorphShape&>(character), made);
         case CharacterKind::editText: return makeText(movie, static_cast<EditText&>(character), made);
         case CharacterKind::sprite: return makeClip(movie, owner, static_cast<Sprite&>(character), arguments, made);
         case CharacterKind::button:

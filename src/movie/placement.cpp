@@ -96,6 +96,13 @@ void setAlpha(DisplayObject& object, std::uint8_t alpha) {
     setColours(object, colours);
 }
 
+void setRatio(DisplayObject& object, std::uint16_t ratio) {
+    MorphInstance* instance = asMorph(&object);
+    if (!instance || instance->morph.ratio == ratio) return;
+    instance->morph.ratio = ratio;
+    instance->morphed = instance->moved = instance->changed = true;
+}
+
 void hideObject(Movie& movie, DisplayObject& object) {
     const DisplayObject* behind = nextInDrawingOrder(&object, true);
     for (DisplayObject* each = &object; each != behind; each = nextInDrawingOrder(each))

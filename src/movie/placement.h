@@ -38,6 +38,7 @@ Result removeObject(Movie& movie, const Timeline& timeline, std::uint8_t depth);
 void setMatrix(DisplayObject& object, const Matrix& matrix);
 void setColours(DisplayObject& object, const ColourTransform& colours);
 void setAlpha(DisplayObject& object, std::uint8_t alpha);
+void setRatio(DisplayObject& object, std::uint16_t ratio);  // morphs only; others stay as they are
 
 // Notes that the screen shows an object and what is below it no more, and what has to be drawn again for that.
 void hideObject(Movie& movie, DisplayObject& object);

@@ -35,13 +35,23 @@ void composeColours(ClipInstance& clip) {
     clip.composedColours = around ? compose(around->composedColours, clip.colours) : clip.colours;
 }
 
+Result placeMorph(Movie& movie, MorphInstance& instance) {
+    if (std::exchange(instance.morphed, false)) {
+        updateMorph(instance.morph);
+        instance.placed.transformed = false;
+    }
+    return placeShape(instance.morph.geometry, instance.screenMatrix, PointRounding::cutOff, movie.pool,
+                      instance.placed, instance.bounds);
+}
+
 Result bringToPlace(Movie& movie, DisplayObject& object) {
     switch (object.kind) {
         case ObjectKind::shape: {
             auto& instance = static_cast<ShapeInstance&>(object);
-            return placeShape(instance.shape->geometry, object.screenMatrix, movie.pool, instance.placed,
-                              object.bounds);
+            return placeShape(instance.shape->geometry, object.screenMatrix, PointRounding::nearest, movie.pool,
+                              instance.placed, object.bounds);
         }
+        case ObjectKind::morph: return placeMorph(movie, static_cast<MorphInstance&>(object));
         case ObjectKind::text:
             object.bounds = transformedBox(object.screenMatrix, static_cast<const TextInstance&>(object).field->bounds);
             return Result::done;
@@ -52,9 +62,13 @@ Result bringToPlace(Movie& movie, DisplayObject& object) {
 }
 
 Result recolour(Movie& movie, DisplayObject& object) {
-    if (object.kind != ObjectKind::shape) return Result::done;
-    auto& instance = static_cast<ShapeInstance&>(object);
-    return recolourShape(instance.shape->geometry, coloursOf(object), movie.pool, instance.placed);
+    if (object.kind == ObjectKind::shape) {
+        auto& instance = static_cast<ShapeInstance&>(object);
+        return recolourShape(instance.shape->geometry, coloursOf(object), movie.pool, instance.placed);
+    }
+    if (MorphInstance* instance = asMorph(&object))
+        return recolourShape(instance->morph.geometry, coloursOf(object), movie.pool, instance->placed);
+    return Result::done;
 }
 
 constexpr bool isContainer(ObjectKind kind) { return kind == ObjectKind::clip || kind == ObjectKind::button; }

@@ -2,33 +2,13 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <limits>
+#include <tuple>
 
+#include "format/integers.h"
 #include "render/fixed.h"
-#include "render/matrix.h"
 
 namespace qel {
 namespace {
-
-// A box that grows around points.
-struct Bounds {
-    std::int16_t xMin = std::numeric_limits<std::int16_t>::max(), yMin = std::numeric_limits<std::int16_t>::max();
-    std::int16_t xMax = std::numeric_limits<std::int16_t>::min(), yMax = std::numeric_limits<std::int16_t>::min();
-
-    bool empty() const { return xMin > xMax || yMin > yMax; }
-    void takeX(std::int16_t x) {
-        xMin = std::min(xMin, x);
-        xMax = std::max(xMax, x);
-    }
-    void takeY(std::int16_t y) {
-        yMin = std::min(yMin, y);
-        yMax = std::max(yMax, y);
-    }
-    void take(Point point) {
-        takeX(point.x);
-        takeY(point.y);
-    }
-};
 
 bool controlLiesOutside(const PathSegment& curve) {
     const auto [low, high] = std::minmax(curve.start.y, curve.end.y);
@@ -69,14 +49,14 @@ std::int32_t turningParameter(Point start, Point control, Point end) {
     return fixedDivide(rise, bend) >> 8;
 }
 
-void emitCurve(EdgeTable& table, FillEdge edge, Bounds& bounds) {
+void emitCurve(EdgeTable& table, FillEdge edge, GrowingBox& box) {
     if (edge.start.y > edge.end.y) {
         std::swap(edge.start, edge.end);
         edge.direction = -1;
     }
-    for (const Point point : {edge.start, edge.control, edge.end}) bounds.takeX(point.x);
-    bounds.takeY(edge.start.y);
-    bounds.takeY(edge.end.y);
+    for (const Point point : {edge.start, edge.control, edge.end}) box.takeX(point.x);
+    box.takeY(edge.start.y);
+    box.takeY(edge.end.y);
     if (edge.control.y >= edge.start.y && edge.control.y <= edge.end.y) {
         if (edge.start.y != edge.end.y) table.edges.appendReserved(edge);
         return;
@@ -85,7 +65,7 @@ void emitCurve(EdgeTable& table, FillEdge edge, Bounds& bounds) {
     const Point firstControl = between(edge.start, edge.control, t);
     const Point secondControl = between(edge.control, edge.end, t);
     const Point turn = between(firstControl, secondControl, t);
-    bounds.takeY(turn.y);
+    box.takeY(turn.y);
     FillEdge first = edge, second = edge;
     first.control = firstControl;
     first.end = turn;
@@ -96,133 +76,78 @@ void emitCurve(EdgeTable& table, FillEdge edge, Bounds& bounds) {
 }
 
 // A segment that no fill touches is drawn only by its line.
-void takeStroke(const PathSegment& segment, const StyleGroup& group, Bounds& bounds) {
-    if (!group.line || group.line->width == 0) return;
-    bounds.take(segment.start);
-    if (!segment.straight) bounds.take(segment.middle);
-    bounds.take(segment.end);
+void takeStroke(const ShapeGeometry& geometry, const PathSegment& segment, const StyleGroup& group, GrowingBox& box) {
+    if (group.line == StyleGroup::none || geometry.lines[group.line].style->width == 0) return;
+    box.take(segment.start);
+    if (!segment.straight) box.take(segment.middle);
+    box.take(segment.end);
 }
 
-void takeSegment(PlacedShape& placed, const PathSegment& segment, const StyleGroup& group, Bounds& bounds) {
-    EdgeTable& table = placed.table;
-    if (!group.fill0 && !group.fill1) return takeStroke(segment, group, bounds);
-    const FillEdge edge{.straight = segment.straight,
-                        .direction = 1,
-                        .start = segment.start,
+void takeFilled(EdgeTable& table, const PathSegment& segment, const StyleGroup& group, GrowingBox& box) {
+    const FillEdge edge{.start = segment.start,
                         .control = segment.middle,
                         .end = segment.end,
-                        .fill0 = fillDrawn(placed, group.fill0.get()),
-                        .fill1 = fillDrawn(placed, group.fill1.get())};
-    if (!segment.straight) return emitCurve(table, edge, bounds);
-    bounds.take(segment.start);
-    bounds.take(segment.end);
+                        .fill0 = group.fill0,
+                        .fill1 = group.fill1,
+                        .straight = segment.straight};
+    if (!segment.straight) return emitCurve(table, edge, box);
+    box.take(segment.start);
+    box.take(segment.end);
     emit(table, edge);
 }
 
-// Room for the edges of a transform; the arrays grow and never shrink.
+// Room for the edges of a transform; the array grows and never shrinks.
 Result reserveEdges(EdgeTable& table, std::uint32_t count, Pool& pool) {
     table.edges.truncate(0);
-    table.sorted.truncate(0);
-    const std::uint32_t room = count + 1;  // the device ends both with a sentinel
-    if (!failed(table.edges.reserve(pool, room)) && !failed(table.sorted.reserve(pool, room))) return Result::done;
+    const std::uint32_t room = count + 1;  // the device ends the table with a sentinel
+    if (!failed(table.edges.reserve(pool, room))) return Result::done;
     table.edges.clear();
-    table.sorted.clear();
     return Result::outOfMemory;
 }
 
-Result buildEdges(const ShapeGeometry& geometry, Pool& pool, PlacedShape& placed, Bounds& bounds) {
-    const std::span<const PathSegment> segments = placed.segments.span();
-    EdgeTable& table = placed.table;
-    if (failed(reserveEdges(table, countEdges(segments), pool))) return Result::outOfMemory;
-    std::uint32_t next = 0;
-    for (const StyleGroup& group : geometry.groups) {
-        const std::uint32_t end = std::min<std::uint32_t>(group.end, static_cast<std::uint32_t>(segments.size()));
-        for (; next < end; ++next) takeSegment(placed, segments[next], group, bounds);
-    }
-    for (FillEdge& edge : table.edges) table.sorted.appendReserved(&edge);
-    std::sort(table.sorted.begin(), table.sorted.end(),
-              [](const FillEdge* a, const FillEdge* b) { return a->start.y < b->start.y; });
-    table.top = bounds.yMin;
-    table.bottom = bounds.yMax;
-    return Result::done;
-}
-
-void boundOutline(std::span<const PathSegment> segments, Bounds& bounds) {
-    for (const PathSegment& segment : segments) {
-        bounds.take(segment.start);
-        if (!segment.straight) bounds.take(segment.middle);
-        bounds.take(segment.end);
-    }
-}
-
-// What the lines of the shape can reach around its outline.
-Rect grow(const Bounds& bounds, std::uint8_t maximumLineWidth) {
-    if (bounds.empty()) return {};
-    const int by = (maximumLineWidth >> 1) + 1;
-    const auto within = [](int value) {
-        using Limits = std::numeric_limits<std::int16_t>;
-        return static_cast<std::int16_t>(std::clamp<int>(value, Limits::min(), Limits::max()));
+// By first rows. What else is compared only makes the order one and the same everywhere.
+void sortEdges(std::span<FillEdge> edges) {
+    const auto key = [](const FillEdge& edge) {
+        return std::tuple(edge.start.y, edge.start.x, edge.end.y, edge.end.x, edge.fill0, edge.fill1);
     };
-    return {within(bounds.xMin - by), within(bounds.yMin - by), within(bounds.xMax + by), within(bounds.yMax + by)};
+    const auto earlier = [](const FillEdge& a, const FillEdge& b) { return a.start.y < b.start.y; };
+    if (std::is_sorted(edges.begin(), edges.end(), earlier)) return;
+    std::sort(edges.begin(), edges.end(), [&](const FillEdge& a, const FillEdge& b) { return key(a) < key(b); });
 }
 
-Point moved(Point point, int dx, int dy) { return {wrap16(point.x + dx), wrap16(point.y + dy)}; }
-
-bool staysInRange(const Rect& box, int dx, int dy) {
-    const Point low = moved({box.xMin, box.yMin}, dx, dy), high = moved({box.xMax, box.yMax}, dx, dy);
-    return low.x == box.xMin + dx && low.y == box.yMin + dy && high.x == box.xMax + dx && high.y == box.yMax + dy;
-}
-
-Rect movedRect(const Rect& box, int dx, int dy) {
-    const Point low = moved({box.xMin, box.yMin}, dx, dy), high = moved({box.xMax, box.yMax}, dx, dy);
-    return {low.x, low.y, high.x, high.y};
-}
-
-void translate(PlacedShape& placed, int dx, int dy, Rect& bounds) {
-    for (PathSegment& segment : placed.segments)
-        for (Point* point : {&segment.start, &segment.middle, &segment.end}) *point = moved(*point, dx, dy);
-    for (FillEdge& edge : placed.table.edges)
-        for (Point* point : {&edge.start, &edge.control, &edge.end}) *point = moved(*point, dx, dy);
-    placed.table.top = wrap16(placed.table.top + dy);
-    placed.table.bottom = wrap16(placed.table.bottom + dy);
-    placed.outline = movedRect(placed.outline, dx, dy);
-    bounds = movedRect(bounds, dx, dy);
+// The fill that every edge has on exactly one of its sides.
+std::uint16_t findOnlyFill(std::span<const FillEdge> edges) {
+    constexpr std::uint16_t none = StyleGroup::none;
+    std::uint16_t only = none;
+    for (const FillEdge& edge : edges) {
+        if ((edge.fill0 == none) == (edge.fill1 == none)) return none;
+        const std::uint16_t fill = edge.fill0 != none ? edge.fill0 : edge.fill1;
+        if (only != none && only != fill) return none;
+        only = fill;
+    }
+    return only;
 }
 
 }  // namespace
 
-FillStyle* fillDrawn(const PlacedShape& placed, FillStyle* fill) {
-    for (const FillCopy& copy : placed.fillCopies)
-        if (copy.source == fill) return copy.copy.get();
-    return fill;
-}
-
-Result placeShape(const ShapeGeometry& geometry, const Matrix& screenMatrix, Pool& pool, PlacedShape& placed,
-                  Rect& bounds) {
-    const int dx = screenMatrix.tx - placed.transformedWith.tx, dy = screenMatrix.ty - placed.transformedWith.ty;
-    // Points that would wrap round are better made anew: their edges must keep running downward.
-    if (placed.transformed && sameLinearPart(placed.transformedWith, screenMatrix) &&
-        staysInRange(placed.outline, dx, dy) && staysInRange(bounds, dx, dy)) {
-        translate(placed, dx, dy, bounds);
-        placed.transformedWith = screenMatrix;
-        return Result::done;
+Result buildEdges(const ShapeGeometry& geometry, std::span<const PathSegment> segments, Pool& pool, EdgeTable& table,
+                  GrowingBox& box) {
+    if (failed(reserveEdges(table, countEdges(segments), pool))) return Result::outOfMemory;
+    std::uint32_t next = 0;
+    for (const StyleGroup& group : geometry.groups) {
+        const std::uint32_t end = std::min<std::uint32_t>(group.end, static_cast<std::uint32_t>(segments.size()));
+        const bool filled = group.fill0 != StyleGroup::none || group.fill1 != StyleGroup::none;
+        for (; next < end; ++next) {
+            if (filled)
+                takeFilled(table, segments[next], group, box);
+            else
+                takeStroke(geometry, segments[next], group, box);
+        }
     }
-    placed.transformed = false;
-    if (failed(placed.segments.assign(pool, geometry.segments.span()))) return Result::outOfMemory;
-    for (PathSegment& segment : placed.segments)
-        for (Point* point : {&segment.start, &segment.middle, &segment.end})
-            *point = transformPoint(screenMatrix, *point);
-
-    Bounds outline;
-    boundOutline(placed.segments.span(), outline);
-    placed.outline = outline.empty() ? Rect{} : Rect{outline.xMin, outline.yMin, outline.xMax, outline.yMax};
-    Bounds box = geometry.hasFill ? Bounds{} : outline;
-    if (geometry.hasFill) {
-        if (failed(buildEdges(geometry, pool, placed, box))) return Result::outOfMemory;
-    }
-    bounds = grow(box, geometry.maximumLineWidth);
-    placed.transformedWith = screenMatrix;
-    placed.transformed = true;
+    sortEdges(table.edges.span());
+    table.onlyFill = findOnlyFill(table.edges.span());
+    table.top = box.yMin;
+    table.bottom = box.yMax;
     return Result::done;
 }
 

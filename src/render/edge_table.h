@@ -11,42 +11,39 @@
 namespace qel {
 
 struct FillEdge {
-    bool straight = true;
+    Point start, control, end;  // start.y < end.y; a straight edge has no control
+    std::uint16_t fill0 = StyleGroup::none, fill1 = StyleGroup::none;  // of the shape's fills
     std::int8_t direction = 1;  // -1: the segment was turned round to run downward
-    Point start, control, end;  // start.y <= end.y; a straight edge has no control
-    FillStyle* fill0 = nullptr;
-    FillStyle* fill1 = nullptr;
+    bool straight = true;
 };
 
 struct EdgeTable {
-    PoolArray<FillEdge> edges;
-    PoolArray<FillEdge*> sorted;       // by start.y
-    std::int16_t top = 0, bottom = 0;  // the rows of the fill area
+    PoolArray<FillEdge> edges;                  // by start.y
+    std::int16_t top = 0, bottom = 0;           // the rows of the fill area
+    std::uint16_t onlyFill = StyleGroup::none;  // the fill of every edge, where each has exactly this one
 };
 
-// A fill of the placed shape's own, made of one that it shares.
-struct FillCopy {
-    const FillStyle* source = nullptr;
-    PoolPtr<SolidFill> copy;
+// A box that grows around points.
+struct GrowingBox {
+    std::int16_t xMin = 32767, yMin = 32767, xMax = -32768, yMax = -32768;
+
+    bool empty() const { return xMin > xMax || yMin > yMax; }
+    void takeX(std::int16_t x) {
+        xMin = x < xMin ? x : xMin;
+        xMax = x > xMax ? x : xMax;
+    }
+    void takeY(std::int16_t y) {
+        yMin = y < yMin ? y : yMin;
+        yMax = y > yMax ? y : yMax;
+    }
+    void take(Point point) {
+        takeX(point.x);
+        takeY(point.y);
+    }
 };
 
-// A placed shape's own part: its segments in screen pixels and the edges made of them.
-struct PlacedShape {
-    PoolArray<PathSegment> segments;
-    EdgeTable table;
-    PoolArray<FillCopy> fillCopies;  // none: it draws with the shape's fills
-    Rect outline;                    // the box around all points of `segments`
-    Matrix transformedWith;          // the screen matrix of `segments`
-    bool transformed = false;
-};
-
-// The fill that stands for one of the shape's.
-FillStyle* fillDrawn(const PlacedShape& placed, FillStyle* fill);
-
-// Brings the placed shape to a screen matrix: moves what is there when only the translation changed, else transforms
-// the shape's outline and rebuilds the edges. `bounds` gets the box around everything that is drawn (both maxima
-// inclusive). outOfMemory: the shape has no edges and draws nothing.
-Result placeShape(const ShapeGeometry& geometry, const Matrix& screenMatrix, Pool& pool, PlacedShape& placed,
-                  Rect& bounds);
+// Makes the edges of transformed segments, and grows `box` around what is drawn. outOfMemory: the table is empty.
+Result buildEdges(const ShapeGeometry& geometry, std::span<const PathSegment> segments, Pool& pool, EdgeTable& table,
+                  GrowingBox& box);
 
 }  // namespace qel

@@ -1,29 +1,21 @@
 #include "render/fill_span.h"
 
-#include <algorithm>
-
-#include "render/blend.h"
+#include "render/gradient_span.h"
 
 namespace qel {
-namespace {
 
-void fillSolid(const SolidFill& fill, std::span<std::uint16_t> run) {
-    if (fill.alpha == 255) {
-        std::fill(run.begin(), run.end(), fill.colour);
-        return;
-    }
-    for (std::uint16_t& pixel : run) pixel = blend565(pixel, fill.colour, fill.alpha);
-}
-
-}  // namespace
-
-Result fillSpan(const FillStyle& fill, std::span<std::uint16_t> run) {
-    switch (fill.fillKind) {
-        case FillKind::solid: fillSolid(static_cast<const SolidFill&>(fill), run); break;
+void fillSpan(const PlacedFill& fill, const Span& span) {
+    switch (fill.style->fillKind) {
+        case FillKind::solid: {
+            const auto& solid = static_cast<const SolidFill&>(*fill.style);
+            blendColour(span.pixels, solid.colour, solid.alpha);
+            break;
+        }
         case FillKind::gradient:
-        case FillKind::bitmap: break;  // no definition makes these kinds
+            fillGradientSpan(static_cast<const GradientFill&>(*fill.style), fill.sampling, span);
+            break;
+        case FillKind::bitmap: break;  // no bitmap can be had
     }
-    return Result::done;
 }
 
 }  // namespace qel

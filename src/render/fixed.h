@@ -31,13 +31,16 @@ constexpr std::int32_t edgeSlope(std::int32_t dx, std::int32_t dy) {
 }
 
 // a / b as 16.16, exact where they are equal. b is not 0 unless a is.
-constexpr std::int32_t fixedDivide(std::int32_t a, std::int32_t b) {
+constexpr std::int64_t fixedDivideWide(std::int64_t a, std::int32_t b) {
     if (a == b) return 0x10000;
     if (a == -std::int64_t{b}) return -0x10000;
-    const std::int64_t numerator = b < 0 ? -std::int64_t{a} : a;
+    const std::int64_t numerator = b < 0 ? -a : a;
     const std::int64_t divisor = b < 0 ? -std::int64_t{b} : b;
-    if (divisor <= largestTableDivisor) return wrap32(numerator * shortReciprocals[static_cast<std::size_t>(divisor)]);
-    return wrap32((numerator << 16) / divisor);
+    if (divisor <= largestTableDivisor) return numerator * shortReciprocals[static_cast<std::size_t>(divisor)];
+    return numerator * 65536 / divisor;
 }
+
+// As fixedDivideWide, cut to 32 bits.
+constexpr std::int32_t fixedDivide(std::int32_t a, std::int32_t b) { return wrap32(fixedDivideWide(a, b)); }
 
 }  // namespace qel

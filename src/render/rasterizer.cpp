@@ -11,204 +11,210 @@ namespace {
 
 struct FillPass {
     RenderContext& context;
+    ActiveEdges& active;  // the context's
     const EdgeTable& table;
+    std::span<PlacedFill> fills;
     const Rect& clip;
-    std::uint32_t nextEdge = 0;    // of the sorted edges, the first that has not begun
-    ActiveEdge* active = nullptr;  // from left to right
-    FillStyle* inside = nullptr;   // the fills around the current position, the drawn one first
+    std::uint32_t nextEdge = 0;    // of the table's edges, the first that has not begun
+    PlacedFill* inside = nullptr;  // the fills around the current position, the drawn one first
     std::int32_t previousX = -1;   // where the next span begins
+    std::int32_t y = 0;            // the row that is being painted
 };
 
-void setX(ActiveEdge& edge, std::int32_t x) {
-    edge.x = x;
-    edge.roundedX = add32(x, 32768) >> 16;
-}
+std::int32_t roundedX(const ActiveEdge& edge) { return add32(edge.x, 32768) >> 16; }
 
 // Where a line from `start` with the edge's slope crosses row y.
 std::int32_t crossing(const ActiveEdge& edge, Point start, std::int32_t y) {
     return add32(start.x * 65536, multiply32(edge.slope, y - start.y));
 }
 
-// Goes on to the next piece of a curve until one reaches row y. The last piece ends with the edge.
-void stepToRow(ActiveEdge& edge, std::int32_t y) {
+// Takes the piece of a curve that reaches row y, beginning with the one from `pieceStart`. The last ends with the edge.
+void takePiece(ActiveEdge& edge, Point pieceStart, std::int32_t y) {
     const FillEdge& curve = *edge.edge;
     while (edge.pieceEnd.y < y && edge.t <= curveEnd) {
-        edge.t += edge.step;
-        edge.pieceStart = edge.pieceEnd;
+        edge.t = static_cast<std::int16_t>(edge.t + edge.step);
+        pieceStart = edge.pieceEnd;
         edge.pieceEnd = curvePoint(curve.start, curve.control, curve.end, edge.t);
     }
-    edge.slope = edgeSlope(edge.pieceEnd.x - edge.pieceStart.x, edge.pieceEnd.y - edge.pieceStart.y);
-    setX(edge, crossing(edge, edge.pieceStart, y));
+    edge.slope = edgeSlope(edge.pieceEnd.x - pieceStart.x, edge.pieceEnd.y - pieceStart.y);
+    edge.x = crossing(edge, pieceStart, y);
 }
 
-void beginCurve(ActiveEdge& edge, std::int32_t y) {
-    const FillEdge& curve = *edge.edge;
-    edge.step = edge.t = curveStep(curve.start, curve.control, curve.end);
-    edge.pieceStart = curve.start;
-    edge.pieceEnd = curvePoint(curve.start, curve.control, curve.end, edge.t);
-    stepToRow(edge, y);
-}
-
-void beginLine(ActiveEdge& edge, std::int32_t y) {
-    const FillEdge& line = *edge.edge;
-    edge.slope = edgeSlope(line.end.x - line.start.x, line.end.y - line.start.y);
-    setX(edge, crossing(edge, line.start, y));
-}
-
-void insertBefore(FillPass& pass, ActiveEdge* edge, ActiveEdge* previous, ActiveEdge* next) {
-    edge->previous = previous;
-    edge->next = next;
-    (previous ? previous->next : pass.active) = edge;
-    if (next) next->previous = edge;
-}
-
-void unlink(FillPass& pass, ActiveEdge* edge) {
-    (edge->previous ? edge->previous->next : pass.active) = edge->next;
-    if (edge->next) edge->next->previous = edge->previous;
-}
-
-Result activate(FillPass& pass, const FillEdge& edge, std::int32_t y) {
-    ActiveEdge* added = takeActiveEdge(pass.context);
-    if (!added) return Result::outOfMemory;
-    added->edge = &edge;
-    if (edge.straight)
-        beginLine(*added, y);
-    else
-        beginCurve(*added, y);
-    ActiveEdge* before = nullptr;
-    ActiveEdge* behind = pass.active;
-    while (behind && behind->roundedX < added->roundedX) {
-        before = behind;
-        behind = behind->next;
+ActiveEdge begin(const FillEdge& edge, std::int32_t y) {
+    ActiveEdge active{.edge = &edge, .pieceEnd = edge.end};
+    if (edge.straight) {
+        active.slope = edgeSlope(edge.end.x - edge.start.x, edge.end.y - edge.start.y);
+        active.x = crossing(active, edge.start, y);
+        return active;
     }
-    insertBefore(pass, added, before, behind);
+    active.step = active.t = static_cast<std::int16_t>(curveStep(edge.start, edge.control, edge.end));
+    active.pieceEnd = curvePoint(edge.start, edge.control, edge.end, active.t);
+    takePiece(active, edge.start, y);
+    return active;
+}
+
+Result activate(FillPass& pass, const FillEdge& edge) {
+    if (failed(makeRoomForEdge(pass.context))) return Result::outOfMemory;
+    pass.active.edges[pass.active.count++] = begin(edge, pass.y);
+    return Result::done;
+}
+
+// The edges that begin above the first row and reach below it.
+Result activateAbove(FillPass& pass) {
+    const PoolArray<FillEdge>& edges = pass.table.edges;
+    for (; pass.nextEdge < edges.size() && edges[pass.nextEdge].start.y < pass.y; ++pass.nextEdge) {
+        const FillEdge& edge = edges[pass.nextEdge];
+        if (edge.end.y > pass.y && failed(activate(pass, edge))) return Result::outOfMemory;
+    }
+    return Result::done;
+}
+
+Result activateRow(FillPass& pass) {
+    const PoolArray<FillEdge>& edges = pass.table.edges;
+    for (; pass.nextEdge < edges.size() && edges[pass.nextEdge].start.y == pass.y; ++pass.nextEdge)
+        if (failed(activate(pass, edges[pass.nextEdge]))) return Result::outOfMemory;
     return Result::done;
 }
 
 bool outOfOrder(const ActiveEdge& left, const ActiveEdge& right) {
-    return left.x > right.x || (left.x == right.x && left.slope > right.slope);
+    if (left.x != right.x) return left.x > right.x;
+    return left.slope != right.slope ? left.slope > right.slope : left.edge > right.edge;
 }
 
-// The list is nearly in order from the row above, so moving each edge to its place is cheap.
-void sortActive(FillPass& pass) {
-    ActiveEdge* edge = pass.active;
-    while (edge) {
-        ActiveEdge* following = edge->next;
-        ActiveEdge* before = edge->previous;
-        if (before && outOfOrder(*before, *edge)) {
-            unlink(pass, edge);
-            while (before && outOfOrder(*before, *edge)) before = before->previous;
-            insertBefore(pass, edge, before, before ? before->next : pass.active);
-        }
-        edge = following;
+// The edges are nearly in order from the row above, so moving each to its place is cheap. Where a shape has so many
+// that it would not be, they are sorted from scratch.
+void sortActive(ActiveEdges& active) {
+    constexpr std::uint32_t many = 256;
+    ActiveEdge* const edges = active.edges;
+    if (active.count > many) {
+        std::sort(edges, edges + active.count,
+                  [](const ActiveEdge& a, const ActiveEdge& b) { return outOfOrder(b, a); });
+        return;
+    }
+    for (std::uint32_t i = 1; i < active.count; ++i) {
+        if (!outOfOrder(edges[i - 1], edges[i])) continue;
+        const ActiveEdge edge = edges[i];
+        std::uint32_t at = i;
+        for (; at > 0 && outOfOrder(edges[at - 1], edge); --at) edges[at] = edges[at - 1];
+        edges[at] = edge;
     }
 }
 
-// Paints from the end of the last span up to x with the fill that is drawn here.
-Result paintUpTo(FillPass& pass, std::int32_t x, std::uint16_t* row) {
-    const std::int32_t from = std::max<std::int32_t>(pass.previousX, pass.clip.xMin);
-    const std::int32_t to = std::min<std::int32_t>(x, pass.clip.xMax + 1);
-    pass.previousX = x;
-    if (from >= to) return Result::done;
-    return fillSpan(*pass.inside, {row + from, static_cast<std::size_t>(to - from)});
+void paint(const FillPass& pass, const PlacedFill& fill, std::int32_t begin, std::int32_t end) {
+    const std::int32_t from = std::max<std::int32_t>(begin, pass.clip.xMin);
+    const std::int32_t to = std::min<std::int32_t>(end, pass.clip.xMax + 1);
+    if (from >= to) return;
+    fillSpan(fill, {.pixels = {rowOf(pass.context, pass.y) + from, static_cast<std::size_t>(to - from)},
+                    .x = from,
+                    .y = pass.y,
+                    .cutOff = from - std::max(begin, 0)});
 }
 
-Result leaveFill(FillPass& pass, FillStyle& fill, std::int32_t x, std::uint16_t* row) {
-    Result painted = Result::done;
-    if (&fill == pass.inside) painted = paintUpTo(pass, x, row);
-    FillStyle** link = &pass.inside;
+// Paints from the end of the last span up to x with the fill that is drawn here.
+void paintUpTo(FillPass& pass, std::int32_t x) {
+    paint(pass, *pass.inside, pass.previousX, x);
+    pass.previousX = x;
+}
+
+void leaveFill(FillPass& pass, PlacedFill& fill, std::int32_t x) {
+    if (pass.inside == &fill) paintUpTo(pass, x);
+    PlacedFill** link = &pass.inside;
     while (*link != &fill) link = &(*link)->next;
     *link = fill.next;
     fill.inside = false;
-    return painted;
 }
 
-Result enterFill(FillPass& pass, FillStyle& fill, std::int32_t x, std::uint16_t* row) {
-    Result painted = Result::done;
+void enterFill(FillPass& pass, PlacedFill& fill, std::int32_t x) {
     if (pass.inside)
-        painted = paintUpTo(pass, x, row);
+        paintUpTo(pass, x);
     else
         pass.previousX = x;
-    FillStyle** link = &pass.inside;
-    while (*link && (*link)->order > fill.order) link = &(*link)->next;
+    PlacedFill** link = &pass.inside;
+    while (*link && (*link)->style->order > fill.style->order) link = &(*link)->next;
     fill.next = *link;
     *link = &fill;
     fill.inside = true;
-    return painted;
 }
 
-Result toggle(FillPass& pass, FillStyle* fill, std::int32_t x, std::uint16_t* row) {
-    if (!fill) return Result::done;
-    return fill->inside ? leaveFill(pass, *fill, x, row) : enterFill(pass, *fill, x, row);
+void toggle(FillPass& pass, std::uint16_t index, std::int32_t x) {
+    if (index == StyleGroup::none) return;
+    PlacedFill& fill = pass.fills[index];
+    if (fill.inside)
+        leaveFill(pass, fill, x);
+    else
+        enterFill(pass, fill, x);
 }
 
 // A fill that an open outline leaves on does not leak into the next row or the next shape.
 void leaveAll(FillPass& pass) {
-    for (FillStyle* fill = pass.inside; fill; fill = fill->next) fill->inside = false;
+    for (PlacedFill* fill = pass.inside; fill; fill = fill->next) fill->inside = false;
     pass.inside = nullptr;
 }
 
-Result paintRow(FillPass& pass, std::uint16_t* row) {
+void paintRow(FillPass& pass) {
     pass.previousX = -1;
-    Result painted = Result::done;
-    for (const ActiveEdge* active = pass.active; active && !failed(painted); active = active->next) {
-        FillStyle* first = active->edge->fill0;
-        FillStyle* second = active->edge->fill1;
-        if (active->edge->direction > 0) std::swap(first, second);
-        painted = toggle(pass, first, active->roundedX, row);
-        if (!failed(painted)) painted = toggle(pass, second, active->roundedX, row);
+    for (const ActiveEdge& active : std::span(pass.active.edges, pass.active.count)) {
+        const FillEdge& edge = *active.edge;
+        const bool turned = edge.direction < 0;
+        const std::int32_t x = roundedX(active);
+        toggle(pass, turned ? edge.fill0 : edge.fill1, x);
+        toggle(pass, turned ? edge.fill1 : edge.fill0, x);
     }
     leaveAll(pass);
-    return painted;
 }
 
-void goToRow(FillPass& pass, std::int32_t y) {
-    for (ActiveEdge* active = pass.active; active;) {
-        ActiveEdge* following = active->next;
-        if (active->edge->end.y <= y) {
-            unlink(pass, active);
-            giveBackActiveEdge(pass.context, active);
-        } else if (!active->edge->straight && active->pieceEnd.y < y) {
-            stepToRow(*active, y);
-        } else {
-            setX(*active, add32(active->x, active->slope));
-        }
-        active = following;
+// One fill on one side of every edge: it is on between the crossings, two by two.
+void paintRowOfOne(const FillPass& pass, const PlacedFill& fill) {
+    const ActiveEdge* const edges = pass.active.edges;
+    for (std::uint32_t i = 1; i < pass.active.count; i += 2)
+        paint(pass, fill, roundedX(edges[i - 1]), roundedX(edges[i]));
+}
+
+// Brings the edges to the next row; those that end there are dropped.
+void goToNextRow(FillPass& pass) {
+    const std::int32_t y = ++pass.y;
+    ActiveEdge* kept = pass.active.edges;
+    for (ActiveEdge& edge : std::span(pass.active.edges, pass.active.count)) {
+        if (edge.edge->end.y <= y) continue;
+        if (edge.pieceEnd.y < y)
+            takePiece(edge, edge.edge->start, y);
+        else
+            edge.x = add32(edge.x, edge.slope);
+        *kept++ = edge;
     }
+    pass.active.count = static_cast<std::uint32_t>(kept - pass.active.edges);
 }
 
-// Edges that begin above the first row and reach below it.
-Result activateAbove(FillPass& pass, std::int32_t firstRow) {
-    const PoolArray<FillEdge*>& sorted = pass.table.sorted;
-    for (; pass.nextEdge < sorted.size() && sorted[pass.nextEdge]->start.y < firstRow; ++pass.nextEdge) {
-        const FillEdge& edge = *sorted[pass.nextEdge];
-        if (edge.end.y > firstRow && failed(activate(pass, edge, firstRow))) return Result::outOfMemory;
+Result runPass(FillPass& pass, std::int32_t lastRow) {
+    const PlacedFill* only = pass.table.onlyFill == StyleGroup::none ? nullptr : &pass.fills[pass.table.onlyFill];
+    if (failed(activateAbove(pass))) return Result::outOfMemory;
+    while (pass.y <= lastRow) {
+        if (failed(activateRow(pass))) return Result::outOfMemory;
+        sortActive(pass.active);
+        if (only)
+            paintRowOfOne(pass, *only);
+        else
+            paintRow(pass);
+        goToNextRow(pass);
     }
     return Result::done;
 }
 
-Result stepRow(FillPass& pass, std::int32_t y) {
-    const PoolArray<FillEdge*>& sorted = pass.table.sorted;
-    for (; pass.nextEdge < sorted.size() && sorted[pass.nextEdge]->start.y == y; ++pass.nextEdge)
-        if (failed(activate(pass, *sorted[pass.nextEdge], y))) return Result::outOfMemory;
-    sortActive(pass);
-    const Result painted = paintRow(pass, pass.context.pixels + std::ptrdiff_t{y} * pass.context.rowLength);
-    goToRow(pass, y + 1);
-    return painted;
-}
-
 }  // namespace
 
-Result fillShape(RenderContext& context, const EdgeTable& table, const Rect& clip) {
+Result fillShape(RenderContext& context, PlacedShape& placed, const Rect& clip) {
+    const EdgeTable& table = placed.table;
     const std::int32_t firstRow = std::max(clip.yMin, table.top), lastRow = std::min(clip.yMax, table.bottom);
     if (firstRow > lastRow || table.edges.empty()) return Result::done;
-    FillPass pass{.context = context, .table = table, .clip = clip};
-    Result result = activateAbove(pass, firstRow);
-    for (std::int32_t y = firstRow; y <= lastRow && !failed(result); ++y) result = stepRow(pass, y);
-    while (ActiveEdge* edge = pass.active) {
-        unlink(pass, edge);
-        giveBackActiveEdge(context, edge);
-    }
+    FillPass pass{.context = context,
+                  .active = context.active,
+                  .table = table,
+                  .fills = placed.fills.span(),
+                  .clip = clip,
+                  .y = firstRow};
+    context.active.count = 0;
+    const Result result = runPass(pass, lastRow);
+    leaveAll(pass);
     return result;
 }
 

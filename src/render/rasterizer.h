@@ -4,12 +4,13 @@
 // right one.
 #pragma once
 
+#include "render/placed_shape.h"
 #include "render/render_context.h"
 
 namespace qel {
 
 // Paints into `clip`, which lies inside the frame buffer (maxima inclusive). outOfMemory: no more active edges can be
 // had; rows above are painted.
-Result fillShape(RenderContext& context, const EdgeTable& table, const Rect& clip);
+Result fillShape(RenderContext& context, PlacedShape& placed, const Rect& clip);
 
 }  // namespace qel

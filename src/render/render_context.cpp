@@ -1,47 +1,34 @@
 #include "render/render_context.h"
 
 #include <algorithm>
-#include <new>
 
 #include "player/engine_services.h"
+#include "render/pixel_rows.h"
 
 namespace qel {
 
 RenderContext::~RenderContext() {
-    while (blocks) {
-        EdgeBlock* next = blocks->next;
-        freeToHeap(*player, blocks);
-        blocks = next;
-    }
+    if (active.edges) freeToHeap(*player, active.edges);
 }
 
-ActiveEdge* takeActiveEdge(RenderContext& context) {
-    if (!context.freeEdges) {
-        if (context.blockCount == EdgeBlock::maximumBlocks) return nullptr;
-        void* memory = allocateFromHeap(*context.player, sizeof(EdgeBlock));
-        if (!memory) return nullptr;
-        auto* block = new (memory) EdgeBlock;
-        block->next = context.blocks;
-        context.blocks = block;
-        ++context.blockCount;
-        for (ActiveEdge& edge : block->edges) giveBackActiveEdge(context, &edge);
-    }
-    ActiveEdge* edge = context.freeEdges;
-    context.freeEdges = edge->next;
-    *edge = {};
-    return edge;
-}
-
-void giveBackActiveEdge(RenderContext& context, ActiveEdge* edge) {
-    edge->next = context.freeEdges;
-    context.freeEdges = edge;
+Result makeRoomForEdge(RenderContext& context) {
+    ActiveEdges& active = context.active;
+    if (active.count < active.room) return Result::done;
+    if (active.room == ActiveEdges::maximum) return Result::outOfMemory;
+    constexpr std::uint32_t firstRoom = 70;
+    const std::uint32_t room = std::clamp(active.room * 2, firstRoom, ActiveEdges::maximum);
+    auto* grown = static_cast<ActiveEdge*>(allocateFromHeap(*context.player, room * sizeof(ActiveEdge)));
+    if (!grown) return Result::outOfMemory;
+    std::uninitialized_copy_n(active.edges, active.count, grown);
+    if (active.edges) freeToHeap(*context.player, active.edges);
+    active.edges = grown;
+    active.room = room;
+    return Result::done;
 }
 
 void clearArea(RenderContext& context, const Rect& area, std::uint16_t colour) {
-    for (std::int32_t y = area.yMin; y <= area.yMax; ++y) {
-        std::uint16_t* row = context.pixels + std::ptrdiff_t{y} * context.rowLength;
-        std::fill(row + area.xMin, row + area.xMax + 1, colour);
-    }
+    const auto width = static_cast<std::size_t>(area.xMax - area.xMin + 1);
+    for (std::int32_t y = area.yMin; y <= area.yMax; ++y) storeColour({rowOf(context, y) + area.xMin, width}, colour);
 }
 
 }  // namespace qel

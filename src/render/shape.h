@@ -19,13 +19,23 @@ struct PathSegment {
     Point end;
 };
 
-// The styles of the segments from the previous group's end up to this one's. Identifiers come from the record; the
-// characters they name are there once the shape has loaded (none for noCharacter).
+// A style that the groups of a shape name, once.
+template <class Style>
+struct StyleUse {
+    std::uint16_t id = noCharacter;
+    CharacterHold<Style> style;
+};
+using FillUse = StyleUse<FillStyle>;
+using LineUse = StyleUse<LineStyle>;
+
+// The styles of the segments from the previous group's end up to this one's. Identifiers come from the record; once the
+// shape has loaded, the indexes say where they stand in the shape's fills and lines.
 struct StyleGroup {
+    static constexpr std::uint16_t none = 65535;
+
     std::uint32_t end = 0;  // index of the first segment behind the group
     std::uint16_t fill0Id = noCharacter, fill1Id = noCharacter, lineId = noCharacter;
-    CharacterHold<FillStyle> fill0, fill1;
-    CharacterHold<LineStyle> line;
+    std::uint16_t fill0 = none, fill1 = none, line = none;
 };
 
 struct ShapeGeometry {
@@ -33,6 +43,8 @@ struct ShapeGeometry {
     std::uint8_t maximumLineWidth = 0;  // of the line styles that the groups name
     PoolArray<PathSegment> segments;
     PoolArray<StyleGroup> groups;
+    PoolArray<FillUse> fills;
+    PoolArray<LineUse> lines;
 };
 
 struct Shape : Character {
