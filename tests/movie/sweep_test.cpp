@@ -15,16 +15,24 @@ using author::place;
 MovieFile everything() {
     author::Outline round;
     round.style({.line = {}, .fill0 = 1, .fill1 = 2}).moveTo({2, 0}).curveBy({4, 6}, {-6, 4}).lineBy({-3, -9});
-    round.style({.line = {}, .fill0 = 3, .fill1 = {}}).moveBy({1, 1}).lineTo({5, 5}).lineTo({0, 9}).lineTo({1, 1});
+    round.style({.line = 5, .fill0 = 6, .fill1 = {}}).moveBy({1, 1}).lineTo({5, 5}).lineTo({0, 9}).lineTo({1, 1});
     MovieFile movie = smallMovie(
         24, 20,
-        {author::shape({.id = 10, .bounds = {0, 0, 9, 9}, .outline = round, .bitmapFills = {}, .gradientFills = {}}),
-         author::lineStyle(5, {}, 3), rectangle(11, 2, 6, 5),
+        {author::lineStyle(5, {}, 6),
+         author::gradientFill(6, author::GradientType::radial, {.a = 3000, .d = 3000},
+                              std::vector<author::GradientStop>{{0, 0xFF0000}, {99, 0x00FF00, 80}}),
+         author::bitmapFill(7, 1, 30, identityMatrix),
+         author::shape({.id = 10, .bounds = {0, 0, 9, 9}, .outline = round, .bitmapFills = {}, .gradientFills = {6}}),
+         rectangle(11, 2, 6, 5), rectangle(12, 6, 9, 9), rectangle(13, 7, 3, 3),
+         author::morphShape(14, 11, 12, std::vector<author::StylePair>{{2, 6}}),
+         author::morphShape(15, 11, 13, std::vector<author::StylePair>{{2, 3}, {2, 2}}),
          spriteOf(
              20, {frameOf({place(10, 0), move(0, at(2, 2))}), frameOf({move(0, {50000, 20000, -20000, 50000, 3, 3})})}),
          spriteOf(21, {frameOf({place(20, 0), place(11, 1)}), author::keyFrame(40, 1, place(20, 0)), frameOf({})}),
          author::keyFrameList(std::vector<std::uint16_t>{1, 3}),
-         frameOf({place(21, 0), move(0, at(8, 4)), place(11, 1)}), frameOf({move(1, at(9, 9))}),
+         frameOf({place(21, 0), move(0, at(8, 4)), place(14, 1), place(13, 2), place(15, 3)}),
+         frameOf({move(1, at(9, 9)), author::ratio(1, 9000), author::colour(1, {.redMultiplier = 99}),
+                  author::colour(0, {.alphaMultiplier = 99})}),
          author::keyFrame(41, 2, author::joined({author::instanceNumber(3), place(21, 0)})),
          frameOf({author::removeAt(0)})});
     movie.leading = {author::nameTable(std::vector<author::Name>{{10, "shape"}, {20, "clip"}})};
