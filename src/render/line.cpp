@@ -68,9 +68,17 @@ void fillBlock(const Pen& pen, const Block& block) {
                        x1 = std::min<std::int32_t>(block.x1, pen.clip.xMax + 1);
     const std::int32_t y0 = std::max<std::int32_t>(block.y0, pen.clip.yMin),
                        y1 = std::min<std::int32_t>(block.y1, pen.clip.yMax + 1);
-    if (x0 >= x1) return;
-    for (std::int32_t y = y0; y < y1; ++y)
-        blendColour({rowOf(pen.context, y) + x0, static_cast<std::size_t>(x1 - x0)}, pen.colour, pen.alpha);
+    if (x0 >= x1 || y0 >= y1) return;
+    const auto width = static_cast<std::size_t>(x1 - x0);
+    std::uint16_t* row = rowOf(pen.context, y0) + x0;
+    if (pen.alpha != 255) {
+        for (std::int32_t y = y0; y < y1; ++y, row += pen.context.rowLength)
+            blendColour({row, width}, pen.colour, pen.alpha);
+    } else if (width == 1) {
+        for (std::int32_t y = y0; y < y1; ++y, row += pen.context.rowLength) *row = pen.colour;
+    } else {
+        for (std::int32_t y = y0; y < y1; ++y, row += pen.context.rowLength) storeColour({row, width}, pen.colour);
+    }
 }
 
 // How many pixels the line takes across its direction: the more it slants, the more.

@@ -1,6 +1,6 @@
 #include "render/pixel_rows.h"
 
-#include <algorithm>
+#include "render/wide_registers.h"
 
 namespace qel {
 namespace {
@@ -49,25 +49,17 @@ void blendColoursPlain(PixelRun run, const std::uint16_t* colours, const std::ui
     blendColoursLoop(run, colours, alphas);
 }
 
-// Wider registers where the processor has them: the same arithmetic, so the same pixels.
-#if defined(__x86_64__) && !defined(__AVX2__)
-[[gnu::target("avx2")]] void blendColourWide(PixelRun run, std::uint16_t colour, std::uint8_t alpha) {
+QEL_WIDE void blendColourWide(PixelRun run, std::uint16_t colour, std::uint8_t alpha) {
     blendColourLoop(run, colour, alpha);
 }
-[[gnu::target("avx2")]] void blendColoursWide(PixelRun run, const std::uint16_t* colours, const std::uint8_t* alphas) {
+QEL_WIDE void blendColoursWide(PixelRun run, const std::uint16_t* colours, const std::uint8_t* alphas) {
     blendColoursLoop(run, colours, alphas);
 }
-const bool hasWide = __builtin_cpu_supports("avx2");
-const auto blendColourHere = hasWide ? blendColourWide : blendColourPlain;
-const auto blendColoursHere = hasWide ? blendColoursWide : blendColoursPlain;
-#else
-constexpr auto blendColourHere = blendColourPlain;
-constexpr auto blendColoursHere = blendColoursPlain;
-#endif
+
+const auto blendColourHere = chooseWide(blendColourPlain, blendColourWide);
+const auto blendColoursHere = chooseWide(blendColoursPlain, blendColoursWide);
 
 }  // namespace
-
-void storeColour(PixelRun run, std::uint16_t colour) { std::fill(run.begin(), run.end(), colour); }
 
 void blendColour(PixelRun run, std::uint16_t colour, std::uint8_t alpha) {
     if (alpha == 255) return storeColour(run, colour);

@@ -1,44 +1,32 @@
-// How far a point lies from the middle of a radial gradient, in whole units: the index i, at most 255, with
+// How far points lie from the middle of a radial gradient, in whole units: the index i, at most 255, with
 // i * i <= distance * distance <= (i + 1) * (i + 1). Where the distance is a whole number both it and the one below
 // fit; the device searches from a predicted index and stays at the first that fits, so the prediction decides.
 #pragma once
 
-#include <algorithm>
-#include <array>
 #include <cstdint>
+#include <span>
 
 #include "render/sampling.h"
 
 namespace qel {
 
-struct RadialSearch {
-    std::int32_t predicted = 0;  // for the next point
-    std::int32_t previous = 0;   // index of the point before
-    bool first = true;           // no point was looked for yet
+// A walk over the pixels of a span. The first prediction is an estimate of the distance, every other one goes on as
+// the indexes of the two pixels before did.
+struct RadialWalk {
+    std::uint32_t u = 0, v = 0;          // of the next pixel, 16.16; wrap at 32 bits
+    std::uint32_t stepU = 0, stepV = 0;  // from pixel to pixel
+    std::int32_t predicted = 0;          // for the next pixel
+    std::int32_t previous = 0;           // index of the pixel before
+    bool first = true;                   // there is none
 };
 
-// Predicts the index of the first point of a run.
-RadialSearch beginRadialSearch(SamplePoint first);
+RadialWalk beginRadialWalk(SamplePoint first, std::int32_t stepU, std::int32_t stepV);
 
-// The whole part of the root for each square of a distance below 255, as a table: no search is needed but where the
-// root is exact.
-inline constexpr std::uint32_t tabulatedSquares = 255 * 255;
-extern const std::array<std::uint8_t, tabulatedSquares> wholeRoots;
+// The indexes of the next pixels, at most `longestRadialRun`.
+inline constexpr std::size_t longestRadialRun = 256;
+void takeRadialIndexes(RadialWalk& walk, std::span<std::uint8_t> indexes);
 
-// The index of the next point of the run, by its distance along both axes in whole units.
-inline std::int32_t nextRadialIndex(RadialSearch& search, std::int32_t u, std::int32_t v) {
-    constexpr std::int32_t last = 255;
-    const auto across = static_cast<std::uint32_t>(u * u), down = static_cast<std::uint32_t>(v * v);
-    const std::uint32_t square = across + down;
-    std::int32_t index = last;
-    if (square < tabulatedSquares) index = wholeRoots[square];
-    const bool exact = square <= tabulatedSquares && square == static_cast<std::uint32_t>(index * index);
-    if (exact && search.predicted < index) --index;
-    const std::int32_t change = search.first ? 0 : index - search.previous;
-    search.first = false;
-    search.previous = index;
-    search.predicted = std::clamp(index + change, 0, last);
-    return index;
-}
+// The prediction for a first pixel: 0 to 255.
+std::int32_t estimateDistance(SamplePoint point);
 
 }  // namespace qel

@@ -163,13 +163,6 @@ void paintRow(FillPass& pass) {
     leaveAll(pass);
 }
 
-// One fill on one side of every edge: it is on between the crossings, two by two.
-void paintRowOfOne(const FillPass& pass, const PlacedFill& fill) {
-    const ActiveEdge* const edges = pass.active.edges;
-    for (std::uint32_t i = 1; i < pass.active.count; i += 2)
-        paint(pass, fill, roundedX(edges[i - 1]), roundedX(edges[i]));
-}
-
 // Brings the edges to the next row; those that end there are dropped.
 void goToNextRow(FillPass& pass) {
     const std::int32_t y = ++pass.y;
@@ -185,19 +178,104 @@ void goToNextRow(FillPass& pass) {
     pass.active.count = static_cast<std::uint32_t>(kept - pass.active.edges);
 }
 
-Result runPass(FillPass& pass, std::int32_t lastRow) {
-    const PlacedFill* only = pass.table.onlyFill == StyleGroup::none ? nullptr : &pass.fills[pass.table.onlyFill];
-    if (failed(activateAbove(pass))) return Result::outOfMemory;
+Result fillRows(FillPass& pass, std::int32_t lastRow) {
     while (pass.y <= lastRow) {
         if (failed(activateRow(pass))) return Result::outOfMemory;
         sortActive(pass.active);
-        if (only)
-            paintRowOfOne(pass, *only);
-        else
-            paintRow(pass);
+        paintRow(pass);
         goToNextRow(pass);
     }
     return Result::done;
+}
+
+// --- shapes of one fill on one side of every edge: it is on between the crossings, two by two
+
+// The first row on which the active edges are no longer the same, or no longer on the same pieces.
+std::int32_t quietUntil(const FillPass& pass, std::int32_t lastRow) {
+    std::int32_t until = lastRow + 1;
+    const PoolArray<FillEdge>& edges = pass.table.edges;
+    if (pass.nextEdge < edges.size()) until = std::min<std::int32_t>(until, edges[pass.nextEdge].start.y);
+    for (const ActiveEdge& edge : std::span(pass.active.edges, pass.active.count))
+        until = std::min({until, std::int32_t{edge.edge->end.y}, edge.pieceEnd.y + 1});
+    return until;
+}
+
+// Paints spans of one fill.
+template <class PaintRun>
+struct OnePainter {
+    const FillPass& pass;
+    PaintRun paintRun;
+
+    [[gnu::always_inline]] void paint(std::int32_t y, std::int32_t begin, std::int32_t end) const {
+        const std::int32_t from = std::max<std::int32_t>(begin, pass.clip.xMin);
+        const std::int32_t to = std::min<std::int32_t>(end, pass.clip.xMax + 1);
+        if (from < to) paintRun(y, from, to, begin);
+    }
+};
+
+template <class Painter>
+void paintBetweenTwo(FillPass& pass, const Painter& painter, std::int32_t until) {
+    ActiveEdge &left = pass.active.edges[0], &right = pass.active.edges[1];
+    for (;;) {
+        const std::int32_t a = roundedX(left), b = roundedX(right);
+        painter.paint(pass.y, std::min(a, b), std::max(a, b));
+        if (pass.y + 1 >= until) return;
+        ++pass.y;
+        left.x = add32(left.x, left.slope);
+        right.x = add32(right.x, right.slope);
+    }
+}
+
+template <class Painter>
+void paintBetweenMany(FillPass& pass, const Painter& painter, std::int32_t until) {
+    const std::span<ActiveEdge> edges(pass.active.edges, pass.active.count);
+    for (;;) {
+        sortActive(pass.active);
+        for (std::size_t i = 1; i < edges.size(); i += 2)
+            painter.paint(pass.y, roundedX(edges[i - 1]), roundedX(edges[i]));
+        if (pass.y + 1 >= until) return;
+        ++pass.y;
+        for (ActiveEdge& edge : edges) edge.x = add32(edge.x, edge.slope);
+    }
+}
+
+template <class Painter>
+Result fillRowsOfOne(FillPass& pass, const Painter& painter, std::int32_t lastRow) {
+    while (pass.y <= lastRow) {
+        if (failed(activateRow(pass))) return Result::outOfMemory;
+        const std::int32_t until = quietUntil(pass, lastRow);
+        if (pass.active.count == 2)
+            paintBetweenTwo(pass, painter, until);
+        else
+            paintBetweenMany(pass, painter, until);
+        goToNextRow(pass);
+    }
+    return Result::done;
+}
+
+Result fillWithOne(FillPass& pass, const PlacedFill& fill, std::int32_t lastRow) {
+    const RenderContext& context = pass.context;
+    const auto* solid = fill.style->fillKind == FillKind::solid ? static_cast<const SolidFill*>(fill.style) : nullptr;
+    if (solid && solid->alpha == 255) {
+        const OnePainter opaque{
+            pass, [&context, colour = solid->colour](std::int32_t y, std::int32_t from, std::int32_t to, std::int32_t) {
+                storeColour({rowOf(context, y) + from, static_cast<std::size_t>(to - from)}, colour);
+            }};
+        return fillRowsOfOne(pass, opaque, lastRow);
+    }
+    const OnePainter any{pass, [&](std::int32_t y, std::int32_t from, std::int32_t to, std::int32_t begin) {
+                             fillSpan(fill, {.pixels = {rowOf(context, y) + from, static_cast<std::size_t>(to - from)},
+                                             .x = from,
+                                             .y = y,
+                                             .cutOff = from - std::max(begin, 0)});
+                         }};
+    return fillRowsOfOne(pass, any, lastRow);
+}
+
+Result runPass(FillPass& pass, std::int32_t lastRow) {
+    if (failed(activateAbove(pass))) return Result::outOfMemory;
+    const std::uint16_t only = pass.table.onlyFill;
+    return only == StyleGroup::none ? fillRows(pass, lastRow) : fillWithOne(pass, pass.fills[only], lastRow);
 }
 
 }  // namespace

@@ -55,16 +55,21 @@ TEST(RadialIndexes, AreThoseOfTheSearch) {
         const int scale = round % 4 == 0 ? 600 * 65536 : 280 * 65536;
         SamplePoint at{any(scale), any(scale)};
         const std::int32_t stepU = round % 3 == 0 ? 65536 : any(3 * 65536), stepV = round % 3 == 0 ? 0 : any(3 * 65536);
-        RadialSearch search = beginRadialSearch(at);
-        int predicted = search.predicted, previous = 0;
-        for (int i = 0; i < 60; ++i) {
+        RadialWalk walk = beginRadialWalk(at, stepU, stepV);
+        const auto count = static_cast<std::size_t>(1 + random() % longestRadialRun);
+        int predicted = walk.predicted, previous = 0;
+        std::uint8_t indexes[2 * longestRadialRun];
+        takeRadialIndexes(walk, {indexes, count});
+        takeRadialIndexes(walk, {indexes + count, count});
+        for (std::size_t i = 0; i < 2 * count; ++i) {
             const std::int32_t u = at.u >> 16, v = at.v >> 16;
-            const int wanted = searched(predicted, static_cast<std::uint32_t>(u * u + v * v));
-            ASSERT_EQ(nextRadialIndex(search, u, v), wanted) << u << ',' << v << " pixel " << i;
+            const int wanted =
+                searched(predicted, static_cast<std::uint32_t>(u * u) + static_cast<std::uint32_t>(v * v));
+            ASSERT_EQ(indexes[i], wanted) << u << ',' << v << " pixel " << i;
             predicted = std::clamp(wanted + (i == 0 ? 0 : wanted - previous), 0, 255);
             previous = wanted;
-            at.u += stepU;
-            at.v += stepV;
+            at.u = add32(at.u, stepU);
+            at.v = add32(at.v, stepV);
         }
     }
 }
@@ -75,7 +80,7 @@ TEST(RadialIndexes, BeginWithAnEstimateOfTheDistance) {
     };
     for (const Row& row : {Row{0, 0, 0}, Row{7, 0, 7}, Row{0, -7, 7}, Row{3, 4, 5}, Row{-100, 100, 141},
                            Row{300, 0, 255}, Row{-32768, 32767, 255}})
-        EXPECT_EQ(beginRadialSearch({row.u * 65536, row.v * 65536}).predicted, row.distance) << row.u << ',' << row.v;
+        EXPECT_EQ(estimateDistance({row.u * 65536, row.v * 65536}), row.distance) << row.u << ',' << row.v;
 }
 
 TEST(Sampling, LeadsFromThePixelBackToThePlane) {
