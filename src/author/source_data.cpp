@@ -39,16 +39,19 @@ Bytes hexOf(const SourceValue& value) {
     return bytes;
 }
 
+Bytes fileOf(const SourceValue& name, const ReadSourceFile& readFile) {
+    const std::string& text = textOf(name);
+    if (leadsOut(text)) fail(name, "\"" + text + "\" is no file beside the source");
+    std::optional<Bytes> bytes;
+    if (readFile) bytes = readFile(text);
+    if (!bytes) fail(name, "\"" + text + "\" cannot be read");
+    return std::move(*bytes);
+}
+
 Bytes dataOf(const SourceValue& value, const ReadSourceFile& readFile) {
     if (value.kind != SourceValue::Kind::object) return hexOf(value);
     allowOnly(value, {"file"});
-    const SourceValue& file = memberOf(value, "file");
-    const std::string& name = textOf(file);
-    if (leadsOut(name)) fail(file, "\"" + name + "\" is no file beside the source");
-    std::optional<Bytes> bytes;
-    if (readFile) bytes = readFile(name);
-    if (!bytes) fail(file, "\"" + name + "\" cannot be read");
-    return std::move(*bytes);
+    return fileOf(memberOf(value, "file"), readFile);
 }
 
 std::string contentTextOf(const SourceValue& value, std::size_t mostBytes) {

@@ -17,6 +17,9 @@ using ReadSourceFile = std::function<std::optional<Bytes>(const std::string& nam
 // Pairs of hexadecimal digits, white space anywhere between pairs. These throw SourceError.
 Bytes hexOf(const SourceValue& value);
 
+// A file beside the source, by its name.
+Bytes fileOf(const SourceValue& name, const ReadSourceFile& readFile);
+
 // "0a ff …" or { "file": "beep.raw" }.
 Bytes dataOf(const SourceValue& value, const ReadSourceFile& readFile);
 

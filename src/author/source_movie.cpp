@@ -5,6 +5,7 @@
 #include "author/source_characters.h"
 #include "author/source_commands.h"
 #include "author/source_shapes.h"
+#include "author/source_svg.h"
 #include "author/source_tables.h"
 #include "author/source_timeline.h"
 
@@ -77,6 +78,11 @@ class MovieCompiler {
                 if (isStyle(character) == styles) define(character);
             }
         }
+        // Morphs come last, because they change the styles of shapes.
+        for (const auto& [name, value] : membersOf(characters)) {
+            const SourceCharacter& character = build_.names.characterCalled(name, value);
+            if (character.kind == SourceCharacter::Kind::morph) shapes_.defineMorph(character);
+        }
         checkNesting(build_);
     }
 
@@ -91,6 +97,7 @@ class MovieCompiler {
             case SourceCharacter::Kind::gradient: shapes_.defineGradient(character.id, *character.value); break;
             case SourceCharacter::Kind::line: shapes_.defineLine(character); break;
             case SourceCharacter::Kind::shape: shapes_.defineShape(character); break;
+            case SourceCharacter::Kind::morph: break;  // behind everything else
             case SourceCharacter::Kind::sprite: defineSprite(character); break;
             case SourceCharacter::Kind::button: defineButton(build_, character); break;
             case SourceCharacter::Kind::commandButton: defineCommandButton(build_, character); break;
@@ -216,9 +223,17 @@ class MovieCompiler {
 
 }  // namespace
 
-MovieFile buildMovie(std::string_view source, const ReadSourceFile& readFile) {
-    const SourceValue root = parseSource(source);
+MovieFile buildMovie(std::string_view source, const ReadSourceFile& readFile, std::vector<std::string>* warnings) {
+    SourceValue root = parseSource(source);
+    std::vector<std::string> unread;
+    expandPictures(root, readFile, warnings ? *warnings : unread);
     return MovieCompiler(readFile).compile(root);
+}
+
+MovieFile buildPictureMovie(std::string_view svg, const std::string& fileName, double scale,
+                            std::vector<std::string>& warnings) {
+    const auto readFile = [svg](const std::string&) { return std::optional(Bytes(svg.begin(), svg.end())); };
+    return buildMovie(sourceShowing(svg, fileName, scale), readFile, &warnings);
 }
 
 }  // namespace qel::author

@@ -29,6 +29,7 @@ constexpr std::pair<const char*, Kind> kindFields[] = {
     {"gradient", Kind::gradient},
     {"line", Kind::line},
     {"shape", Kind::shape},
+    {"morph", Kind::morph},
     {"sprite", Kind::sprite},
     {"button", Kind::button},
     {"commandButton", Kind::commandButton},

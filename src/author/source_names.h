@@ -17,6 +17,7 @@ struct SourceCharacter {
         gradient,
         line,
         shape,
+        morph,
         sprite,
         button,
         commandButton,
@@ -30,8 +31,8 @@ struct SourceCharacter {
 
     // What stands on display lists.
     bool isPlaceable() const {
-        return kind == Kind::shape || kind == Kind::sprite || kind == Kind::button || kind == Kind::commandButton ||
-               kind == Kind::textField;
+        return kind == Kind::shape || kind == Kind::morph || kind == Kind::sprite || kind == Kind::button ||
+               kind == Kind::commandButton || kind == Kind::textField;
     }
 };
 

@@ -190,4 +190,11 @@ void drawPath(Outline& outline, const std::vector<SubPath>& subPaths, std::uint1
     }
 }
 
+std::size_t countSegments(const std::vector<SubPath>& subPaths, std::uint16_t fill) {
+    std::size_t count = 0;
+    for (const SubPath& path : subPaths)
+        count += path.steps.size() + (fill != noCharacter && path.end() != path.start ? 1 : 0);
+    return count;
+}
+
 }  // namespace qel::author

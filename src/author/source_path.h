@@ -35,4 +35,7 @@ std::vector<SubPath> parsePath(std::string_view text);
 void drawPath(Outline& outline, const std::vector<SubPath>& subPaths, std::uint16_t line, std::uint16_t fill,
               Rect& box);
 
+// How many segments drawPath makes of the sub-paths.
+std::size_t countSegments(const std::vector<SubPath>& subPaths, std::uint16_t fill);
+
 }  // namespace qel::author

@@ -1,5 +1,6 @@
 #include "author/source_shapes.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "author/records.h"
@@ -81,6 +82,7 @@ void ShapeCompiler::defineShape(const SourceCharacter& character) {
                       .bitmapFills = {},
                       .gradientFills = {}};
     std::uint16_t fillBefore = 0;
+    std::vector<PathSummary> summaries;
     for (const SourceValue& path : listOf(memberOf(*character.value, "shape"))) {
         allowOnly(path, {"path", "fill", "line"});
         const SourceValue& text = memberOf(path, "path");
@@ -92,13 +94,51 @@ void ShapeCompiler::defineShape(const SourceCharacter& character) {
         if (const SourceValue* value = path.find("line")) line = lineFor(*value);
         if (fill == noCharacter && line == noCharacter) fail(path, "a path has a fill or a line");
         try {
-            drawPath(shape.outline, parsePath(textOf(text)), line, fill, shape.bounds);
+            const std::vector<SubPath> subPaths = parsePath(textOf(text));
+            drawPath(shape.outline, subPaths, line, fill, shape.bounds);
+            summaries.push_back({line, fill, countSegments(subPaths, fill)});
         } catch (const PathError& error) {
             fail(text, error.what());
         }
     }
     if (shape.bounds.xMin > shape.bounds.xMax) shape.bounds = {};
     build_.records.push_back(written(*character.value, [&] { return author::shape(shape); }));
+    paths_[character.id] = std::move(summaries);
+}
+
+const std::vector<ShapeCompiler::PathSummary>& ShapeCompiler::pathsOf(const SourceValue& name) const {
+    return paths_.at(build_.names.characterOf(name, SourceCharacter::Kind::shape, "shape"));
+}
+
+void ShapeCompiler::defineMorph(const SourceCharacter& character) {
+    const SourceValue& value = *character.value;
+    allowOnly(value, {"morph", "identifier"});
+    const SourceValue& names = memberOf(value, "morph");
+    if (listOf(names).size() != 2) fail(names, "a morph is [\"start shape\", \"end shape\"]");
+    const auto &start = pathsOf(names.items[0]), &end = pathsOf(names.items[1]);
+    if (start.size() != end.size()) fail(names, "both shapes of a morph have as many paths");
+    std::vector<StylePair> pairs;
+    const auto pairUp = [&](std::uint16_t from, std::uint16_t to) {
+        const bool known = std::any_of(pairs.begin(), pairs.end(),
+                                       [=](const StylePair& pair) { return pair.start == from && pair.end == to; });
+        if (from != to && from != noCharacter && to != noCharacter && !known) pairs.push_back({from, to});
+    };
+    for (std::size_t i = 0; i < start.size(); ++i) {
+        const std::string which = "path " + std::to_string(i + 1);
+        if (start[i].segments != end[i].segments)
+            fail(names, which + " has " + std::to_string(start[i].segments) + " segments in one shape and " +
+                            std::to_string(end[i].segments) + " in the other");
+        if ((start[i].fill == noCharacter) != (end[i].fill == noCharacter) ||
+            (start[i].line == noCharacter) != (end[i].line == noCharacter))
+            fail(names, which + " has a fill or a line in one shape only");
+        pairUp(start[i].fill, end[i].fill);
+        pairUp(start[i].line, end[i].line);
+    }
+    if (pairs.size() > 255) fail(names, "a morph changes at most 255 styles");
+    const auto idOf = [&](std::size_t i) {
+        return build_.names.characterOf(names.items[i], SourceCharacter::Kind::shape, "shape");
+    };
+    build_.records.push_back(written(value, [&] { return morphShape(character.id, idOf(0), idOf(1), pairs); }));
 }
 
 }  // namespace qel::author

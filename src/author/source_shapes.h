@@ -1,6 +1,7 @@
 // Compiles the fills, gradients, lines and shapes of a movie source.
 #pragma once
 
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -18,6 +19,7 @@ class ShapeCompiler {
     void defineGradient(std::uint16_t id, const SourceValue& value);
     void defineLine(const SourceCharacter& character);
     void defineShape(const SourceCharacter& character);
+    void defineMorph(const SourceCharacter& character);  // behind the shapes that it names
 
   private:
     // A fill whose identifier is above that of the path before: of overlapping fills of one shape the higher identifier
@@ -25,7 +27,15 @@ class ShapeCompiler {
     std::uint16_t fillAbove(std::uint16_t before, const SourceValue& value, ShapeRecord& shape);
     std::uint16_t lineFor(const SourceValue& value) const;
 
+    // What a morph needs to know of the paths of a shape.
+    struct PathSummary {
+        std::uint16_t line = noCharacter, fill = noCharacter;
+        std::size_t segments = 0;
+    };
+    const std::vector<PathSummary>& pathsOf(const SourceValue& name) const;
+
     SourceBuild& build_;
+    std::map<std::uint16_t, std::vector<PathSummary>> paths_;  // of each shape
     std::vector<std::pair<std::uint16_t, SourcePaint>> inlineFills_;
 };
 

@@ -1,5 +1,7 @@
 // qel build: makes a movie from a readable source.
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -17,6 +19,7 @@ namespace {
 struct BuildOptions {
     std::string source, output;
     bool compressed = false;
+    double scale = 1;
 };
 
 // False, with the reason said, when there is no such text or it is too long to be one.
@@ -54,12 +57,27 @@ std::optional<author::Bytes> readBeside(const std::string& source, const std::st
     return bytes;
 }
 
+bool isPicture(const std::string& path) {
+    std::string extension = std::filesystem::path(path).extension().string();
+    std::ranges::transform(extension, extension.begin(), [](unsigned char c) { return std::tolower(c); });
+    return extension == ".svg";
+}
+
+author::MovieFile compile(const BuildOptions& options, const std::string& source, std::vector<std::string>& warnings) {
+    if (isPicture(options.source))
+        return author::buildPictureMovie(source, std::filesystem::path(options.source).filename().string(),
+                                         options.scale, warnings);
+    return author::buildMovie(
+        source, [&options](const std::string& name) { return readBeside(options.source, name); }, &warnings);
+}
+
 int build(const BuildOptions& options) {
     std::string source;
     if (!readText(options.source, source)) return badUsage;
     try {
-        author::Bytes bytes = visFile(author::buildMovie(
-            source, [&options](const std::string& name) { return readBeside(options.source, name); }));
+        std::vector<std::string> warnings;
+        author::Bytes bytes = visFile(compile(options, source, warnings));
+        for (const std::string& warning : warnings) std::cerr << "qel build: warning: " << warning << "\n";
         if (options.compressed || options.output.ends_with(".zvis")) bytes = author::zvisFile(bytes);
         if (writeFile(options.output, bytes)) return success;
         std::cerr << "qel build: " << options.output << ": cannot be written\n";
@@ -77,12 +95,18 @@ int build(const BuildOptions& options) {
 
 void addBuildCommand(CLI::App& app, int& status) {
     auto options = std::make_shared<BuildOptions>();
-    CLI::App* command = app.add_subcommand("build", "Build a movie from a readable source (see docs/movie-source.md)");
-    command->add_option("SOURCE", options->source, "movie source: JSON with comments")->required();
+    CLI::App* command = app.add_subcommand(
+        "build", "Build a movie from a readable source (see docs/movie-source.md), or from one SVG picture");
+    command->add_option("SOURCE", options->source, "movie source: JSON with comments; or a picture, NAME.svg")
+        ->required();
     command->add_option("-o,--output", options->output, "file to write; a name in .zvis makes a compressed movie")
         ->required();
     command->add_flag("--zvis", options->compressed, "write a compressed movie whatever the file is called");
+    command->add_option("--scale", options->scale, "of a picture: how much larger than it says it is")
+        ->check(CLI::Range(0.01, 100.0))
+        ->capture_default_str();
     command->footer(
+        "A picture becomes a movie of one frame; what the format cannot express is listed in warnings.\n"
         "Exit status: 0 built; 1 the source is broken (the message names its line and field); 2 bad usage, or a file "
         "that cannot be read or written.");
     command->callback([options, &status] { status = build(*options); });
