@@ -135,7 +135,7 @@ void SourceNames::declareCharacter(const std::string& name, const SourceValue& v
         if (kind) fail(*value.find(field), "\"" + name + "\" can be only one thing");
         kind = itsKind;
     }
-    if (!kind) fail(value, "\"" + name + "\" has none of " + known);
+    if (!kind) fail(value, "\"" + name + "\" has none of " + known + ", svg");
     characters_[name] = {*kind, idFor(value), &value};
 }
 

@@ -242,8 +242,8 @@ TEST(SourceErrors, NameTheCharacter) {
         const char *field, *message;
     } cases[] = {
         {"\"x\": {}", 1, "characters/x",
-         "\"x\" has none of fill, gradient, line, shape, sprite, button, commandButton, sound, textField, "
-         "compressionTable"},
+         "\"x\" has none of fill, gradient, line, shape, morph, sprite, button, commandButton, sound, "
+         "textField, compressionTable, svg"},
         {"\"x\":\n{\"fill\": \"red\"}", 2, "characters/x/fill", "\"red\" is no colour; write #rrggbb or #rrggbbaa"},
         {"\"x\": {\"fill\": \"#ffffff\",\n\"line\": \"#ffffff\"}", 2, "characters/x/line",
          "\"x\" can be only one thing"},
