@@ -5,6 +5,7 @@
 
 #include "movie/frame_records.h"
 #include "movie/movie.h"
+#include "movie/timeline.h"
 #include "script/machine.h"
 
 namespace qel {
@@ -24,13 +25,16 @@ Result numberClip(Movie& movie, PoolText& name) {
     return Result::done;
 }
 
-Result listKeyFrames(const Sprite& sprite, Pool& pool, PoolArray<ClipKeyFrame>& keyFrames) {
-    if (failed(keyFrames.reserve(pool, sprite.keyFrameCount))) return Result::outOfMemory;
+// Looks through the whole timeline, as far as the cycle's share of work goes.
+Result listKeyFrames(Movie& movie, const Sprite& sprite, PoolArray<ClipKeyFrame>& keyFrames) {
+    if (failed(keyFrames.reserve(movie.pool, sprite.keyFrameCount))) return Result::outOfMemory;
     SpriteFrame frame;
-    for (std::uint32_t offset = 0; findFrame(sprite, offset, frame); offset = frame.end) {
-        if (keyFrames.size() == sprite.keyFrameCount) break;
+    for (std::uint32_t offset = 0; keyFrames.size() < sprite.keyFrameCount; offset = frame.end) {
+        const bool found = findFrame(sprite, offset, movie.workLeft, frame);
+        spendWork(movie, frame.looked);
+        if (!found) break;
         const FrameHead head = readFrameHead(frame.body);
-        if (head.cacheId == noCharacter) continue;
+        if (head.cacheId == noCharacter || !frame.body.ok()) continue;
         keyFrames.appendReserved({.frame = head.frameNumber, .offset = frame.start});
     }
     return Result::done;
@@ -67,8 +71,7 @@ Result makeClip(Movie& movie, DisplayObject* owner, Sprite& sprite, ClipArgument
     const unsigned nesting = around ? around->depth + 1u : 1u;
     if (nesting > maximumClipNesting) return Result::nothing;
     clip->depth = static_cast<std::uint16_t>(nesting);
-    if (sprite.keyFrameCount != 0 && failed(listKeyFrames(sprite, movie.pool, clip->keyFrames)))
-        return Result::outOfMemory;
+    if (sprite.keyFrameCount != 0 && failed(listKeyFrames(movie, sprite, clip->keyFrames))) return Result::outOfMemory;
     if (arguments) {
         clip->name = std::move(arguments->name);
         clip->handlers = std::move(arguments->handlers);

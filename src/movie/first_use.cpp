@@ -43,7 +43,12 @@ Result takePieces(RecordStream& stream, Definition& definition) {
 
 Result decodeRecord(CharacterDictionary& dictionary, std::uint16_t id, const DictionaryEntry& entry,
                     Definition& definition) {
-    RecordStream stream{.dictionary = dictionary, .offset = entry.offset, .length = entry.length, .reader = {}};
+    const std::uint32_t contentLength = dictionary.player->contentLength;
+    if (entry.offset >= contentLength) return Result::badContent;
+    RecordStream stream{.dictionary = dictionary,
+                        .offset = entry.offset,
+                        .length = std::min(entry.length, contentLength - entry.offset),
+                        .reader = {}};
     if (!refill(stream)) return Result::badContent;
     ScannedRecord record;
     record.id = id;
@@ -51,6 +56,11 @@ Result decodeRecord(CharacterDictionary& dictionary, std::uint16_t id, const Dic
     if (record.header.length() > std::numeric_limits<std::uint32_t>::max() - entry.offset) return Result::badContent;
     stream.length = static_cast<std::uint32_t>(record.header.length());  // the directory may say another
     const std::uint32_t bodyOffset = entry.offset + record.header.headerLength;
+    if (stream.length > entry.length) {  // more of it than was read
+        stream.reader = {};
+        if (!refill(stream)) return Result::badContent;
+        stream.reader.skip(record.header.headerLength);
+    }
     const std::size_t held = std::min<std::size_t>(stream.reader.left(), record.header.bodyLength);
     stream.reader = ContentReader(stream.reader.rest().first(held));
     stream.consumed = record.header.headerLength;

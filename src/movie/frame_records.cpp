@@ -11,11 +11,12 @@ FrameHead readFrameHead(ContentReader& body) {
     return head;
 }
 
-bool findFrame(const Sprite& sprite, std::uint32_t offset, SpriteFrame& frame) {
+bool findFrame(const Sprite& sprite, std::uint32_t offset, std::uint32_t most, SpriteFrame& frame) {
     ContentReader reader(sprite.timeline.span());
     reader.seek(offset);
     RecordHeader header;
-    for (;;) {
+    for (frame.looked = 0; frame.looked < most;) {
+        ++frame.looked;
         frame.start = static_cast<std::uint32_t>(reader.cursor());
         if (!readRecordHeader(reader, header) || !reader.available(header.bodyLength)) return false;
         frame.bodyOffset = static_cast<std::uint32_t>(reader.cursor());
@@ -23,6 +24,7 @@ bool findFrame(const Sprite& sprite, std::uint32_t offset, SpriteFrame& frame) {
         frame.end = static_cast<std::uint32_t>(reader.cursor());
         if (RecordType{header.type} == RecordType::frame) return true;
     }
+    return false;
 }
 
 }  // namespace qel

@@ -23,10 +23,11 @@ struct SpriteFrame {
     std::uint32_t start = 0;       // of the record
     std::uint32_t bodyOffset = 0;  // of its body
     std::uint32_t end = 0;         // behind it
+    std::uint32_t looked = 0;      // how many records the search has looked at
 };
 
-// Finds the frame record at or behind `offset`; other records are passed over. False at the end of the timeline, and
-// where a record breaks off.
-bool findFrame(const Sprite& sprite, std::uint32_t offset, SpriteFrame& frame);
+// Finds the frame record at or behind `offset`; other records are passed over. False at the end of the timeline, where
+// a record breaks off, and when `most` records were looked at without finding one.
+bool findFrame(const Sprite& sprite, std::uint32_t offset, std::uint32_t most, SpriteFrame& frame);
 
 }  // namespace qel

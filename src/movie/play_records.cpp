@@ -37,9 +37,10 @@ Result readKeyFrameList(Movie& movie, ContentReader body) {
 Result readPurgeOrder(Movie& movie, ContentReader body) {
     const std::uint32_t count = body.u8();
     if (!body.available(count * 2)) return Result::badContent;
-    PoolArray<std::uint16_t>& order = movie.dictionary.purgeOrder;
+    PoolArray<std::uint16_t> order;  // the old one holds until the new one has its room
     if (failed(order.assignZeros(movie.pool, count))) return Result::outOfMemory;
     for (std::uint16_t& id : order) id = body.u16();
+    movie.dictionary.purgeOrder = std::move(order);
     return Result::done;
 }
 

@@ -49,7 +49,9 @@ inline bool scanRecord(const ContentReader& reader, ScannedRecord& scanned) {
     if (!reader.available(scannedBytes(scanned.header.type))) return false;
     scanned.id = noCharacter;
     if (definedKind(scanned.header.type) == CharacterKind::none) return true;
-    if (RecordType{scanned.header.type} == RecordType::sprite) ahead.u16();
+    const bool sprite = RecordType{scanned.header.type} == RecordType::sprite;
+    if (scanned.header.bodyLength < (sprite ? 4 : 2)) return true;  // it ends in front of its identifier
+    if (sprite) ahead.u16();
     scanned.id = ahead.u16();
     return true;
 }

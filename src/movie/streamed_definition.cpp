@@ -21,8 +21,8 @@ constexpr bool mustBeWhole(std::uint8_t type) {
 // What a failure of a definer means for playback.
 Result giveUp(StreamedDefinition& streamed, Result failure) {
     streamed.definition.character.reset();
-    const bool survivable = failure == Result::brokenDefinition || failure == Result::badContent;
-    return survivable && !mustBeWhole(streamed.definition.type) ? Result::done : failure;
+    const bool survivable = failure == Result::brokenDefinition && !mustBeWhole(streamed.definition.type);
+    return survivable ? Result::done : failure;
 }
 
 // The count that an object begins with when nobody has looked it up yet.

@@ -1,5 +1,7 @@
 #include "movie/timeline.h"
 
+#include <algorithm>
+
 #include "movie/buttons.h"
 #include "movie/frame_cache.h"
 #include "movie/frame_items.h"
@@ -71,10 +73,10 @@ Result stepRange(Movie& movie, DisplayObject* object, const DisplayObject* behin
 
 }  // namespace
 
-bool spendWork(Movie& movie) {
-    if (movie.workLeft == 0) return false;
-    --movie.workLeft;
-    return true;
+bool spendWork(Movie& movie, std::uint32_t amount) {
+    const bool enough = movie.workLeft >= amount;
+    movie.workLeft = enough ? movie.workLeft - amount : 0;
+    return enough;
 }
 
 Result passRootFrame(Movie& movie, const RootFrame& frame) {
@@ -137,8 +139,11 @@ Result advanceClip(Movie& movie, ClipInstance& clip, bool bounded) {
     }
     ++clip.frameIndex;
     SpriteFrame frame;
-    if (!findFrame(sprite, clip.offset, frame)) return Result::done;  // fewer frames than announced: it stands still
-    clip.offset = frame.end;
+    constexpr std::uint32_t leastLook = 64;  // a goto that has begun is always carried out
+    const bool found = findFrame(sprite, clip.offset, std::max(movie.workLeft, leastLook), frame);
+    clip.offset = found ? frame.end : sprite.timeline.size();
+    spendWork(movie, frame.looked);
+    if (!found) return Result::done;  // fewer frames than announced: it stands still
     return playClipFrame(movie, timeline, frame);
 }
 

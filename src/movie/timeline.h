@@ -8,13 +8,14 @@ namespace qel {
 
 struct Movie;
 
-// How much of its clips' timelines a movie plays in one cycle: every frame and every item counts as one. Beyond it
+// How much of its clips' timelines a movie plays in one cycle: every record and every item that is looked at counts as
+// one. Beyond it
 // clips stand still. More than any budget of the device lets honest clips do; it ends sprites that place and remove
 // themselves without end.
 inline constexpr std::uint32_t workPerCycle = 500'000;
 
-// Counts one piece of work; false when the cycle has used up its share.
-bool spendWork(Movie& movie);
+// Counts pieces of work; false when the cycle has used up its share.
+bool spendWork(Movie& movie, std::uint32_t amount = 1);
 
 // A frame record of the root timeline.
 struct RootFrame {

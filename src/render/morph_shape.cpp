@@ -15,7 +15,7 @@ Result defineMorphShape(ContentReader body, Pool& pool, PoolPtr<MorphShape>& mor
         pair.start = static_cast<std::uint16_t>(body.ub(bits));
         pair.end = static_cast<std::uint16_t>(body.ub(bits));
     }
-    if (!body.ok()) return Result::badContent;
+    if (!body.ok()) return Result::brokenDefinition;
     morph = std::move(loading);
     return Result::done;
 }

@@ -15,7 +15,7 @@ struct MorphShape : Character {
     PoolArray<StylePair> pairs;
 };
 
-// Decodes the body behind its identifier. Null in `morph` with outOfMemory or badContent.
+// Decodes the body behind its identifier. Null in `morph` with outOfMemory or brokenDefinition.
 Result defineMorphShape(ContentReader body, Pool& pool, PoolPtr<MorphShape>& morph);
 
 }  // namespace qel

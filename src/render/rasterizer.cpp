@@ -213,6 +213,9 @@ struct OnePainter {
     }
 };
 
+template <class PaintRun>
+OnePainter(const FillPass&, PaintRun) -> OnePainter<PaintRun>;
+
 template <class Painter>
 void paintBetweenTwo(FillPass& pass, const Painter& painter, std::int32_t until) {
     ActiveEdge &left = pass.active.edges[0], &right = pass.active.edges[1];

@@ -10,7 +10,7 @@ namespace qel {
 namespace {
 
 Result readFillIds(ContentReader& body, unsigned bits, std::uint32_t count, Pool& pool, PoolArray<std::uint16_t>& ids) {
-    if (std::uint64_t{count} * bits > std::uint64_t{body.left()} * 8) return Result::brokenDefinition;
+    if (std::uint64_t{count} * bits > (std::uint64_t{body.left()} + 1) * 8) return Result::brokenDefinition;
     if (failed(ids.assignZeros(pool, count))) return Result::outOfMemory;
     for (std::uint16_t& id : ids) id = static_cast<std::uint16_t>(body.ub(bits));
     return body.ok() ? Result::done : Result::brokenDefinition;

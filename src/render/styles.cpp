@@ -8,7 +8,7 @@ namespace qel {
 Result defineSolidFill(ContentReader body, std::uint16_t id, Pool& pool, PoolPtr<SolidFill>& style) {
     const std::uint16_t colour = readPackedColour(body, 0);
     const std::uint8_t alpha = body.u8();
-    if (!body.ok()) return Result::badContent;
+    if (!body.ok()) return Result::brokenDefinition;
     style = makeFill<SolidFill>(pool, CharacterKind::solidFill, FillKind::solid, id);
     if (!style) return Result::outOfMemory;
     style->alpha = alpha;
@@ -32,7 +32,7 @@ Result defineGradientFill(ContentReader body, std::uint16_t id, Pool& pool, Pool
         stop.alpha = body.u8();
         loading->hasAlpha |= stop.alpha != 255;
     }
-    if (!body.ok()) return Result::badContent;
+    if (!body.ok()) return Result::brokenDefinition;
     buildRamp(loading->stops.span(), loading->ramp);
     style = std::move(loading);
     return Result::done;
@@ -43,7 +43,7 @@ Result defineBitmapFill(ContentReader body, std::uint16_t id, Pool& pool, PoolPt
     const auto flags = static_cast<std::uint8_t>(body.ub(2));
     const std::uint16_t bitmapId = body.u16();
     const Matrix matrix = readMatrix(body);
-    if (!body.ok()) return Result::badContent;
+    if (!body.ok()) return Result::brokenDefinition;
     style = makeFill<BitmapFill>(pool, CharacterKind::bitmapFill, FillKind::bitmap, id);
     if (!style) return Result::outOfMemory;
     style->flags = flags;
@@ -58,7 +58,7 @@ Result defineLineStyle(ContentReader body, Pool& pool, PoolPtr<LineStyle>& style
     const auto width = static_cast<std::uint8_t>(body.ub(6));
     const std::uint16_t colour = readColour(body, format, 0);
     const std::uint8_t alpha = body.u8();
-    if (!body.ok()) return Result::badContent;
+    if (!body.ok()) return Result::brokenDefinition;
     style = makeCharacter<LineStyle>(pool, CharacterKind::lineStyle);
     if (!style) return Result::outOfMemory;
     style->width = width;

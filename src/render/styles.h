@@ -58,7 +58,7 @@ struct LineStyle : Character {
     std::uint16_t colour = 0;  // RGB565
 };
 
-// Decode the bodies of style records behind their identifier. Null in `style` with outOfMemory or badContent.
+// Decode the bodies of style records behind their identifier. Null in `style` with outOfMemory or brokenDefinition.
 Result defineSolidFill(ContentReader body, std::uint16_t id, Pool& pool, PoolPtr<SolidFill>& style);
 Result defineGradientFill(ContentReader body, std::uint16_t id, Pool& pool, PoolPtr<GradientFill>& style);
 Result defineBitmapFill(ContentReader body, std::uint16_t id, Pool& pool, PoolPtr<BitmapFill>& style);

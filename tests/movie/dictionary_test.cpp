@@ -137,6 +137,26 @@ TEST(Dictionary, BrokenDefinitionsInTheStream) {
             << "pictures are passed over";
 }
 
+TEST(Dictionary, BrokenDefinitionsThatAreUsedEndPlayback) {
+    const auto cut = [](Bytes record, std::size_t bytes) {
+        record.resize(record.size() - bytes);
+        record[1] = static_cast<std::uint8_t>(record[1] - bytes);
+        return record;
+    };
+    const std::vector<author::GradientStop> stops{{0, 0xFF0000}, {255, 0x0000FF}};
+    const Bytes gradient = author::gradientFill(4, author::GradientType::linear, identityMatrix, stops);
+    for (const Bytes& broken :
+         {cut(gradient, 1), cut(author::solidFill(4, {}), 1), cut(author::bitmapFill(4, 0, 9, identityMatrix), 3),
+          author::record(RecordType::solidFill, Bytes{4})})
+        EXPECT_TRUE(play(visFile(smallMovie(4, 4, {broken, rectangle(10, 4, 2, 2), frameOf({place(10, 0)})})))
+                        .aborted(AbortReason::outOfMemory) ||
+                    broken.size() == 3)
+            << "a style that cannot be had";
+    const Bytes line = cut(author::lineStyle(4, {}, 3), 1), morph = cut(author::morphShape(11, 10, 10, {}), 1);
+    EXPECT_TRUE(play(visFile(smallMovie(4, 4, {morph, frameOf({place(11, 0)})}))).aborted(AbortReason::outOfMemory));
+    EXPECT_TRUE(play(visFile(smallMovie(4, 4, {line, frameOf({})}))).finished()) << "what nobody uses hurts nobody";
+}
+
 TEST(Purging, TakesIdleShapesAndThenWhatTheContentLists) {
     const std::vector<std::uint16_t> order = {11, 10, 20, 21};
     LiveMovie live(visFile(smallMovie(

@@ -228,5 +228,20 @@ TEST(PlayRecords, SkipWhatTheyDoNotKnow) {
         (Strips{"r", "."}));
 }
 
+// A timeline of records that are no frames is looked through once a cycle at most, however many instances there are.
+TEST(Clips, OfSpritesWithoutFramesCostNoMoreThanTheirShare) {
+    Bytes junk;
+    for (int i = 0; i < 60000; ++i) junk.insert(junk.end(), {48, 0});
+    const Bytes sprite = author::sprite(
+        {.id = 20, .frameCount = 9, .keyFrameCount = 1, .labels = {}, .keyFrames = {}, .timeline = junk});
+    Bytes items;
+    for (int i = 0; i < 9000; ++i) {
+        const Bytes once = author::joined({author::place(20, 0), author::removeAt(0)});
+        items.insert(items.end(), once.begin(), once.end());
+    }
+    const Playback playback = play(visFile(smallMovie(4, 4, {sprite, author::frame(items), frameOf({})})));
+    EXPECT_TRUE(playback.finished());
+}
+
 }  // namespace
 }  // namespace qel::test
