@@ -1,6 +1,5 @@
 #include <gif_lib.h>
 #include <gtest/gtest.h>
-#include <png.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -9,11 +8,13 @@
 #include "cli/command_line.h"
 #include "cli/gif_writer.h"
 #include "cli/picture.h"
+#include "cli/png_file.h"
 #include "host/small_movies.h"
 
 namespace qel::cli {
 namespace {
 
+using test::readPng;
 using test::squareSize;
 
 class RenderTest : public testing::Test {
@@ -35,20 +36,6 @@ class RenderTest : public testing::Test {
         std::filesystem::path(testing::TempDir()) /
         (std::string("qel-") + testing::UnitTest::GetInstance()->current_test_info()->name());
 };
-
-// The colours of a PNG file, row by row.
-std::vector<Rgb> readPng(const std::string& path, unsigned width, unsigned height) {
-    png_image image = {};
-    image.version = PNG_IMAGE_VERSION;
-    if (!png_image_begin_read_from_file(&image, path.c_str()) || image.width != width || image.height != height) {
-        png_image_free(&image);
-        return {};
-    }
-    image.format = PNG_FORMAT_RGB;
-    std::vector<Rgb> pixels(std::size_t{width} * height);
-    png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr);
-    return pixels;
-}
 
 struct GifFrame {
     int delay = 0;
