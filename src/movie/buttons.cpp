@@ -26,7 +26,18 @@ void dropLook(Movie& movie, ButtonInstance& button) {
     destroyObject(look);
 }
 
-// A look may be anything that is shown but another button.
+// What a button can look like.
+constexpr bool canBeLook(CharacterKind kind) {
+    switch (kind) {
+        case CharacterKind::shape:
+        case CharacterKind::bitmap:
+        case CharacterKind::alphaBitmap:
+        case CharacterKind::sprite:
+        case CharacterKind::editText: return true;
+        default: return false;
+    }
+}
+
 Result makeLook(Movie& movie, ButtonInstance& button, std::uint16_t id) {
     dropLook(movie, button);
     button.lookId = id;
@@ -34,8 +45,7 @@ Result makeLook(Movie& movie, ButtonInstance& button, std::uint16_t id) {
     CharacterHold<Character> character;
     const Result found = lookupForPlacement(movie, id, character);
     if (failed(found) || !character) return found;
-    if (character->kind == CharacterKind::button || character->kind == CharacterKind::commandButton)
-        return Result::done;
+    if (!canBeLook(character->kind)) return Result::done;
     const Result made = makeInstance(movie, &button, *character, id, nullptr, button.look);
     if (failed(made)) return made;
     if (button.look) button.look->colours = button.colours;
@@ -55,10 +65,22 @@ Result queueFocusChange(Movie& movie, ButtonInstance& button, bool gained) {
     return Result::done;
 }
 
+// Brings a button to a state without telling anybody.
+Result showState(Movie& movie, ButtonInstance& button, ButtonState state) {
+    const std::uint16_t id = button.button->look(state);
+    if (id != button.lookId) {
+        const Result made = makeLook(movie, button, id);
+        if (failed(made)) return made;
+    }
+    button.state = state;
+    return Result::done;
+}
+
 Result moveFocus(Movie& movie, ButtonInstance& to) {
     ButtonInstance* from = std::exchange(movie.buttons.focused, &to);
-    if (from == &to) return Result::done;
-    if (from) {
+    // One that has the focus since another was removed may still be up.
+    if (from == &to && to.state == ButtonState::over) return Result::done;
+    if (from && from != &to) {
         const Result left = setButtonState(movie, *from, ButtonState::up);
         if (failed(left)) return left;
         // The look that is gone may have held the button that was to have the focus.
@@ -88,12 +110,9 @@ Result makeButton(Movie& movie, DisplayObject* owner, ButtonCharacter& character
 }
 
 Result setButtonState(Movie& movie, ButtonInstance& button, ButtonState state) {
-    const std::uint16_t id = button.button->look(state);
-    if (id != button.lookId) {
-        const Result made = makeLook(movie, button, id);
-        if (failed(made)) return made;
-    }
-    const ButtonState before = std::exchange(button.state, state);
+    const ButtonState before = button.state;
+    const Result shown = showState(movie, button, state);
+    if (failed(shown)) return shown;
     if (before == ButtonState::up && state == ButtonState::over) return queueFocusChange(movie, button, true);
     if (before == ButtonState::over && state == ButtonState::up) return queueFocusChange(movie, button, false);
     return Result::done;
@@ -121,6 +140,13 @@ Result focusCharacter(Movie& movie, std::uint16_t id) {
     return Result::nothing;
 }
 
+void rememberFocus(Movie& movie) {
+    const ButtonInstance* focused = movie.buttons.focused;
+    if (!focused) return;
+    movie.refocusId = focused->characterId;
+    movie.state.buttonChangePending = true;
+}
+
 void emptyButtonList(Movie& movie) {
     movie.buttons.focused = nullptr;
     while (movie.buttons.last) leaveButtonList(*movie.buttons.last);
@@ -133,7 +159,7 @@ Result rejoinButtons(Movie& movie, DisplayObject& object) {
         if (!button || button->joined) continue;
         const bool first = !movie.buttons.first;
         join(movie.buttons, *button);
-        const Result set = setButtonState(movie, *button, first ? ButtonState::over : ButtonState::up);
+        const Result set = showState(movie, *button, first ? ButtonState::over : ButtonState::up);
         if (failed(set)) return set;
     }
     return Result::done;

@@ -24,6 +24,9 @@ Result focusPrevious(Movie& movie);
 // Gives the focus to the first button of a character, where there is one. Nothing is drawn.
 Result focusCharacter(Movie& movie, std::uint16_t id);
 
+// Has the focus go back, before the next frame is shown, to a button of the character that has it now.
+void rememberFocus(Movie& movie);
+
 // A key frame of the root timeline: no button is left to have the focus.
 void emptyButtonList(Movie& movie);
 

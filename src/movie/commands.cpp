@@ -32,10 +32,7 @@ Result requestEnd(Movie& movie, const Command& command, PoolText& text) {
 void playOn(Movie& movie) {
     movie.state.rootStopped = false;
     movie.pacing.resynchronise = true;
-    const ButtonInstance* focused = movie.buttons.focused;
-    if (!focused) return;
-    movie.refocusId = focused->characterId;
-    movie.state.buttonChangePending = true;
+    rememberFocus(movie);
 }
 
 void stop(Movie& movie) {
@@ -130,7 +127,9 @@ Result placeObject(Movie& movie, ContentReader body) {
     setMatrix(*placed, matrix);
     if (ClipInstance* clip = asClip(placed)) clip->stepping = ClipStepping::due;
     constexpr std::int16_t lastPosition = 255;
-    if (movie.target >= placement.depth && movie.target < lastPosition) ++movie.target;
+    // What leaves the positions that a command can name is no target any more.
+    if (movie.target >= placement.depth)
+        movie.target = movie.target < lastPosition ? static_cast<std::int16_t>(movie.target + 1) : Movie::noTarget;
     return Result::done;
 }
 

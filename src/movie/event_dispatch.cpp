@@ -145,6 +145,7 @@ Result dispatchEvents(Movie& movie) {
 Result offerQueuedKeys(Movie& movie) {
     for (unsigned i = 0; i < movie.keys.count();) {
         const std::uint8_t key = movie.keys.at(i);
+        if (key == KeyQueue::none) break;  // as if the queue ended there
         if (endsMovie(movie, key)) {
             answer(movie, LoadCode::finished);
             return Result::done;

@@ -126,6 +126,7 @@ Result beginWay(Movie& movie, std::uint16_t frame, FrameFinder& finder) {
     CharacterHold<FrameCache> cache;
     const Result found = lookupFrameCache(movie, entry->cacheId, cache);
     if (failed(found) || !cache) return failed(found) ? found : Result::nothing;
+    rememberFocus(movie);
     movie.scripts.gotoMark = cache->frameNumber != frame;
     finder.offset = endOf(*cache);
     return passCachedFrame(movie, *cache);
@@ -180,10 +181,7 @@ Result gotoKeyFrame(Movie& movie, std::uint16_t cacheId) {
 Result playGotoFrame(Movie& movie) {
     const CharacterHold<FrameCache> cache = std::move(movie.gotoFrame);
     if (!cache) return Result::done;
-    if (const ButtonInstance* focused = movie.buttons.focused) {
-        movie.refocusId = focused->characterId;
-        movie.state.buttonChangePending = true;
-    }
+    rememberFocus(movie);
     readOnAt(movie, endOf(*cache));
     return playCachedFrame(movie, *cache);
 }

@@ -74,6 +74,7 @@ void enterPass(Movie& movie) {
 // What commands have set: every pass begins as the first one did.
 void resetControl(Movie& movie) {
     movie.target = Movie::noTarget;
+    movie.scripts.nextButtonKey = movie.scripts.previousButtonKey = 0;
     movie.instanceCounter = 0;
     movie.view = identityMatrix;
     movie.viewMoved = true;

@@ -76,6 +76,24 @@ TEST(Buttons, MoveTheFocusAroundAndDrawAtOnce) {
     EXPECT_EQ(strips(live.seen()), (Strips{"grr", "rrg", "grr", "rgr"})) << "both directions wrap";
 }
 
+TEST(Buttons, ThatGotTheFocusByARemovalAreBroughtOverByRefocusing) {
+    LiveMovie live(visFile(strip(
+        3, {frameOf({placeAt(20, 0), placeAt(21, 1)}), frameOf({author::removeAt(0)}), frameOf({}), frameOf({})})));
+    live.playFrames(2);
+    EXPECT_EQ(shown(live.screen()), ".r.") << "still up";
+    EXPECT_EQ(focusCharacter(live.movie(), 21), Result::done);
+    live.playFrames(3);
+    EXPECT_EQ(shown(live.screen()), ".g.");
+}
+
+TEST(Buttons, ShowNothingForLooksThatAreNoPictures) {
+    const Bytes morph = author::morphShape(30, 10, 11, {});
+    for (const std::uint16_t over : {std::uint16_t{30}, std::uint16_t{20}, std::uint16_t{1}}) {
+        const Bytes button = author::button(31, {.up = 10, .over = over, .down = 12}, {});
+        EXPECT_EQ(strips(play(visFile(strip(2, {morph, button, frameOf({placeAt(31, 0)})})))), (Strips{".."})) << over;
+    }
+}
+
 TEST(Buttons, OneAloneKeepsTheFocus) {
     LiveMovie live(visFile(strip(3, {frameOf({placeAt(20, 0)}), frameOf({})})));
     live.playFrames(1);
