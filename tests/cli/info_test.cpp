@@ -27,8 +27,10 @@ Outcome runInfo(const std::string& path, std::vector<const char*> options = {}) 
     return {status, testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
 }
 
+// A file of the test's own: tests run side by side.
 std::string fileWith(const std::string& bytes) {
-    const auto path = std::filesystem::temp_directory_path() / ("qel_info_test_" + std::to_string(bytes.size()));
+    const std::string test = testing::UnitTest::GetInstance()->current_test_info()->name();
+    const auto path = std::filesystem::path(testing::TempDir()) / ("qel-" + test + std::to_string(bytes.size()));
     std::ofstream(path, std::ios::binary) << bytes;
     return path.string();
 }
