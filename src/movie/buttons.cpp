@@ -23,7 +23,7 @@ void dropLook(Movie& movie, ButtonInstance& button) {
     button.lookId = noCharacter;
     if (!look) return;
     hideObject(movie, *look);
-    destroyObject(look);
+    letGo(movie, look);
 }
 
 // What a button can look like.

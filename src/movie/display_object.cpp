@@ -52,6 +52,13 @@ DisplayObject* firstBelow(const DisplayObject* object) {
 
 }  // namespace
 
+// References to the clip know from now on that it is gone.
+ClipInstance::~ClipInstance() {
+    if (!anchor) return;
+    anchor->clip = nullptr;
+    if (anchor->holders == 0) freeBlock(*anchor->pool, anchor);
+}
+
 DisplayList::~DisplayList() { clearList(*this); }
 
 DisplayObject* objectAt(const DisplayList& list, std::uint8_t position) {

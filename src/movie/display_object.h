@@ -11,6 +11,7 @@
 #include "movie/sprite.h"
 #include "render/morph.h"
 #include "render/placed_shape.h"
+#include "script/script_object.h"
 
 namespace qel {
 
@@ -141,6 +142,12 @@ struct ClipInstance : DisplayObject {
     PoolText name;
     ClipHandlers handlers;
     ColourTransform composedColours;  // with those of all clips above; while everything is up to date
+    VariableList variables;
+    ClipAnchor* anchor = nullptr;     // what references to it share; null: nobody has one
+    std::uint32_t awaitingLists = 0;  // of action code that is to run on it
+
+    ClipInstance() = default;
+    ~ClipInstance();
 };
 
 // Clips nest no deeper: placements below create nothing.

@@ -70,7 +70,7 @@ Movie* createMovie(PlayerInstance& player, std::uint32_t budget, bool loop, bool
     auto* movie = new (memory) Movie(player, budget);
     movie->state.loop = loop;
     movie->state.startMuted = startMuted;
-    if (movie->inflaterReady) return movie;
+    if (movie->inflaterReady && !failed(initScripts(*movie))) return movie;
     destroyMovie(movie);
     return nullptr;
 }

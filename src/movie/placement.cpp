@@ -32,7 +32,22 @@ void retire(Movie& movie, DisplayObject* object) {
     append(movie.waiting, object);
 }
 
+// Whether action code waits to run on a clip of this object or below it.
+bool isAwaited(const DisplayObject& object) {
+    const DisplayObject* behind = nextInDrawingOrder(&object, true);
+    for (const DisplayObject* each = &object; each != behind; each = nextInDrawingOrder(each))
+        if (const ClipInstance* clip = asClip(each); clip && clip->awaitingLists != 0) return true;
+    return false;
+}
+
 }  // namespace
+
+void letGo(Movie& movie, DisplayObject* object) {
+    if (isAwaited(*object))
+        retire(movie, object);
+    else
+        destroyObject(object);
+}
 
 Timeline rootTimeline(Movie& movie) {
     return {.list = movie.root, .kept = movie.rootKept, .nextPlacement = movie.nextPlacement};
@@ -69,12 +84,9 @@ Result removeObject(Movie& movie, const Timeline& timeline, std::uint8_t depth) 
     hideObject(movie, *object);
     unlink(timeline.list, object);
     ClipInstance* clip = asClip(object);
-    if (!clip || !clip->handlers.onUnload) {
-        destroyObject(object);
-        return Result::done;
-    }
-    retire(movie, object);
-    return queueClipEvent(movie, *clip, ClipEvent::unload);
+    const Result queued = clip ? queueClipEvent(movie, *clip, ClipEvent::unload) : Result::done;
+    letGo(movie, object);
+    return queued;
 }
 
 void setMatrix(DisplayObject& object, const Matrix& matrix) {
@@ -121,15 +133,14 @@ void emptyIntoKept(Movie& movie, const Timeline& timeline) {
         if (asClip(object))
             append(timeline.kept, object);
         else
-            destroyObject(object);
+            letGo(movie, object);
     }
 }
 
 void dropKept(Movie& movie, const Timeline& timeline) {
-    if (!timeline.clip) return clearList(timeline.kept);
     while (DisplayObject* object = timeline.kept.first) {
         unlink(timeline.kept, object);
-        retire(movie, object);
+        letGo(movie, object);
     }
 }
 

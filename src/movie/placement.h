@@ -43,10 +43,13 @@ void setRatio(DisplayObject& object, std::uint16_t ratio);  // morphs only; othe
 // Notes that the screen shows an object and what is below it no more, and what has to be drawn again for that.
 void hideObject(Movie& movie, DisplayObject& object);
 
+// Frees an object that is on no list, at once or, where action code waits to run on it, behind the run.
+void letGo(Movie& movie, DisplayObject* object);
+
 // Empties a list: clips go to the kept list, also those that are the looks of buttons; everything else is freed.
 void emptyIntoKept(Movie& movie, const Timeline& timeline);
 
-// Frees what no frame has found again. Clips of a clip's timeline wait until the actions of this cycle have run.
+// Frees what no frame has found again.
 void dropKept(Movie& movie, const Timeline& timeline);
 
 }  // namespace qel

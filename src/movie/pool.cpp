@@ -25,19 +25,35 @@ void* allocateOrPurge(Pool& pool, std::size_t size, std::uint32_t charged) {
     }
 }
 
+// Whether the budget allows a block, where need be once something else was given back.
+bool fitsBudget(Pool& pool, std::uint32_t charged) {
+    if (std::uint64_t{pool.inUse} + charged < pool.budget) return true;
+    return pool.purge && pool.purge(pool.purgeContext, charged);
+}
+
+void take(Pool& pool, std::uint32_t charged) {
+    pool.inUse += charged;
+    pool.peak = std::max(pool.peak, pool.inUse);
+}
+
 }  // namespace
 
 void* allocateBlock(Pool& pool, std::size_t size, std::uint32_t charged) {
-    if (std::uint64_t{pool.inUse} + charged >= pool.budget) {
-        if (!pool.purge || !pool.purge(pool.purgeContext, charged)) return nullptr;
-    }
+    if (!fitsBudget(pool, charged)) return nullptr;
     void* block = allocateOrPurge(pool, sizeof(BlockHeader) + size, charged);
     if (!block) return nullptr;
     auto* header = new (block) BlockHeader{charged + blockHeaderCharge};
-    pool.inUse += header->charged;
-    pool.peak = std::max(pool.peak, pool.inUse);
+    take(pool, header->charged);
     return header + 1;
 }
+
+bool chargeOnly(Pool& pool, std::uint32_t charge) {
+    if (!fitsBudget(pool, charge)) return false;
+    take(pool, charge + blockHeaderCharge);
+    return true;
+}
+
+void giveBackCharge(Pool& pool, std::uint32_t charge) { pool.inUse -= charge + blockHeaderCharge; }
 
 void freeBlock(Pool& pool, void* block) {
     if (!block) return;

@@ -35,6 +35,11 @@ struct Pool {
 void* allocateBlock(Pool& pool, std::size_t size, std::uint32_t charge);
 void freeBlock(Pool& pool, void* block);  // null is allowed
 
+// Charges a block that the device would have and this machine has not, its header included. False when the budget
+// refuses it.
+bool chargeOnly(Pool& pool, std::uint32_t charge);
+void giveBackCharge(Pool& pool, std::uint32_t charge);
+
 struct PoolDelete {
     Pool* pool = nullptr;
     template <class T>

@@ -4,6 +4,7 @@
 
 #include "movie/movie.h"
 #include "player/engine_services.h"
+#include "script/machine.h"
 
 namespace qel {
 namespace {
@@ -74,7 +75,6 @@ void enterPass(Movie& movie) {
 // What commands have set: every pass begins as the first one did.
 void resetControl(Movie& movie) {
     movie.target = Movie::noTarget;
-    movie.scripts.nextButtonKey = movie.scripts.previousButtonKey = 0;
     movie.instanceCounter = 0;
     movie.view = identityMatrix;
     movie.viewMoved = true;
@@ -101,6 +101,8 @@ Result rewindMovie(Movie& movie) {
     movie.frameCommands.truncate(0);
     movie.gotoFrame = {};
     resetControl(movie);
+    const Result reset = resetScripts(movie);
+    if (failed(reset)) return reset;
     freeCharacters(movie.dictionary);
     enterPass(movie);
     return Result::done;

@@ -1,4 +1,4 @@
-// The script machine's door to the timeline.
+// The script machine's doors to the timeline and to the movie's life.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,14 @@ namespace qel {
 struct ClipInstance;
 struct Movie;
 
-// Puts action code behind what is queued already. `target`: the clip it acts on, null for the root timeline.
+// Gets the machine ready, once. outOfMemory: the movie cannot be made.
+Result initScripts(Movie& movie);
+
+// Returns the scripts to their beginning: a new pass of the movie knows nothing of the one before.
+Result resetScripts(Movie& movie);
+
+// Puts action code behind what is queued already; the bytes are copied. `target`: the clip it acts on, null for the
+// root timeline.
 Result queueActionList(Movie& movie, std::span<const std::uint8_t> code, ClipInstance* target);
 
 // Which run of a cycle: behind the frame that was read, or behind the dispatch of keys.

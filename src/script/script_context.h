@@ -1,9 +1,13 @@
-// The script machine's side of a movie: the tables that loading hands over to it.
+// The script machine's side of a movie: the tables that loading hands over to it, and everything that scripts have
+// made.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "movie/pool.h"
+#include "script/action_list.h"
+#include "script/random.h"
 
 namespace qel {
 
@@ -26,7 +30,12 @@ struct LabelEntry {
     PoolText label;
 };
 
+// Members are destroyed from the last to the first: whoever holds others stands behind them.
 struct ScriptContext {
+    static constexpr std::uint32_t mostLevels = 30;
+    static constexpr std::uint32_t registerCount = 4;
+    static constexpr std::uint32_t mostActions = 20'000'000;  // in one run; then it fails
+
     std::uint8_t nextButtonKey = 0, previousButtonKey = 0;  // the navigation keys; 0: none
     bool gotoMark = false;                                  // a goto passes over frames: their actions are not queued
     PoolArray<NameEntry> names;
@@ -34,6 +43,32 @@ struct ScriptContext {
     PoolArray<std::uint8_t> blockBuffer;  // as large as the largest block
     PoolArray<KeyFrameEntry> keyFrames;   // ascending frames
     PoolArray<LabelEntry> labels;
+
+    ScriptMemory memory;
+    ObjectTable objects;
+    ScriptObject math, string, number, key;  // reached by name, never freed
+    ScriptFunction* firstFunction = nullptr;
+    ScriptFunction* lastFunction = nullptr;
+    VariableList variables;  // of the root timeline
+    PoolArray<Value> stack;
+    std::array<Value, registerCount> registers;
+    std::uint32_t startTime = 0;  // milliseconds of the host's clock
+    RandomState random;
+
+    // The run.
+    std::array<ActionLevel, mostLevels> levels;
+    std::uint32_t level = 0;  // 0: nothing runs; levels are counted from 1
+    std::uint32_t actionsLeft = 0;
+    bool frameRun = false;          // the run behind a frame, not the one behind the keys
+    bool returned = false;          // the list ends with its action Return
+    Result failure = Result::done;  // what the run ends with
+    bool redraw = false;            // something has changed that the frame shown does not show
+    Target target, savedTarget;
+    bool targetSaved = false;
+
+    ScriptContext() = default;
+    ScriptContext(const ScriptContext&) = delete;
+    ~ScriptContext();
 };
 
 }  // namespace qel

@@ -116,7 +116,7 @@ TEST_F(BenchTest, SaysHowPlaybackEnded) {
         {{"--json", "--once"}, "movie.vis", success, "finished", 3},
         {{"--json", "--frames", "7", "--loop", "--time-slice", "100"}, "movie.vis", success, "max-frames", 7},
         {{"--json"}, "cut.vis", failed, "aborted", 0},
-        {{"--json", "--budget", "100"}, "movie.vis", failed, "aborted", 0},
+        {{"--json", "--budget", "1200"}, "movie.vis", failed, "aborted", 0},
         {{"--json"}, "text.vis", refused, nullptr, 0},
         {{"--json"}, "missing.vis", badUsage, nullptr, 0},
         {{"--frames", "0"}, "movie.vis", badUsage, nullptr, 0},

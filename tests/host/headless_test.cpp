@@ -27,7 +27,7 @@ TEST(VirtualClock, MovesOnlyWhenTheTickCountIsReadOrItJumps) {
     EXPECT_EQ(platform.timerDueUs(), 540000u);
 }
 
-// With a tick that costs a millisecond the first timer is due at 21 ms: one for the start, and 20.
+// With a tick that costs a millisecond the first timer is due at 22 ms: one for the scripts, one for the start, and 20.
 struct ScheduledRun : SessionObserver {
     explicit ScheduledRun(const Schedule& schedule) {
         platform.provideContent("movie", test::squareMovie());
@@ -44,12 +44,12 @@ struct ScheduledRun : SessionObserver {
 
 TEST(HeadlessRun, OrdersWhatIsDueAtOneTime) {
     {
-        const ScheduledRun run({.endAtMs = 21});
+        const ScheduledRun run({.endAtMs = 22});
         EXPECT_EQ(run.end, RunEnd::timeReached);
         EXPECT_EQ(run.events, 0) << "the end comes before the timer";
     }
     {
-        const ScheduledRun run({.endAtMs = 22});
+        const ScheduledRun run({.endAtMs = 23});
         EXPECT_GT(run.events, 0) << "the timer was due first";
     }
     {

@@ -76,7 +76,7 @@ Bytes frameCommands() {
 std::vector<Bytes> characters() {
     const std::vector<author::ButtonCondition> conditions = {
         {.focusLost = true, .focusedKey = selectKey, .code = {6, 0}},
-        {.focusGained = true, .key = std::uint8_t{152}, .code = {7}}};
+        {.focusGained = true, .key = std::uint8_t{152}, .code = {9}}};
     const Bytes inner =
         joined({author::keyFrame(50, 0, joined({place(10, 0), move(0, at(1, 1))})),
                 frameOf({author::alpha(0, 80), author::actions(Bytes{6, 0})}), author::keyFrame(51, 2, place(11, 0))});
@@ -122,7 +122,7 @@ author::MovieFile controlMovie() {
                          joined({place(21, 0), place(10, 1), author::colour(1, {.greenOffset = 90}),
                                  author::ratio(1, 3), author::volume(30), frameCommands()})),
         frameOf({author::removeAt(1), author::stopSound(30), author::instanceNumber(5), place(20, 1),
-                 author::purgeOrderUpdate(std::vector<author::PurgePosition>{{11, 1}}), author::actions(Bytes{7})}),
+                 author::purgeOrderUpdate(std::vector<author::PurgePosition>{{11, 1}}), author::actions(Bytes{9})}),
         author::releaseCharacters(std::vector<std::uint16_t>{10, 30}),
         author::keyFrame(42, 3, joined({author::instanceNumber(5), place(20, 0), move(0, at(5, 2)), place(22, 1)})),
         frameOf({move(0, {.a = 40000, .b = 9000, .c = -9000, .d = 40000, .tx = 3, .ty = 3}), author::removeAt(1)})};

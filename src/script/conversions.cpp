@@ -1,0 +1,162 @@
+#include "script/conversions.h"
+
+#include "movie/movie.h"
+#include "script/clip_paths.h"
+#include "script/native_functions.h"
+#include "script/numbers.h"
+#include "script/script_state.h"
+
+namespace qel {
+namespace {
+
+TextHold textAt(Movie& movie, const Value& value, int depth);
+
+// A text that grows; the last piece of it may be refused.
+struct Joined {
+    Movie& movie;
+    TextHold text;
+    void add(std::string_view more) { text = joinTexts(movie.scripts.memory, text.view(), more); }
+};
+
+TextHold arrayText(Movie& movie, const ScriptObject& array, int depth) {
+    constexpr int deepest = 16;
+    ScriptMemory& memory = movie.scripts.memory;
+    const TextHold lengthName = makeText(memory, "length");
+    Joined joined{movie, makeText(memory, "")};
+    if (!lengthName || depth == deepest) return joined.text;
+    const Value* lengthValue = propertyOf(array, *lengthName.get());
+    const std::int32_t length = lengthValue ? toInt32(numericValue(*lengthValue)) : 0;
+    for (std::int32_t i = 0; i < length && !memory.exhausted; ++i) {
+        const TextHold key = makeText(memory, formatInteger(i).view());
+        const Value* element = key ? propertyOf(array, *key.get()) : nullptr;
+        const TextHold text = element ? textAt(movie, *element, depth + 1) : makeText(memory, "undefined");
+        spend(movie.scripts, 1 + joined.text.view().size() / 64);
+        if (movie.scripts.actionsLeft == 0) break;  // the run is over
+        if (i > 0) joined.add(",");
+        joined.add(text.view());
+        // Text that would never fit is not put together: the budget could not hold it either.
+        if (joined.text && joined.text->length >= memory.charged->budget) memory.exhausted = true;
+    }
+    return joined.text;
+}
+
+TextHold objectText(Movie& movie, const ScriptObject& object, int depth) {
+    ScriptMemory& memory = movie.scripts.memory;
+    if (object.kind == ObjectClass::array) return arrayText(movie, object, depth);
+    if (object.kind == ObjectClass::number) {
+        const TextHold name = makeText(memory, "value");
+        const Value* value = name ? propertyOf(object, *name.get()) : nullptr;
+        constexpr int deepest = 16;
+        if (depth == deepest) return makeText(memory, "");
+        return value ? textAt(movie, *value, depth + 1) : makeText(memory, "0");
+    }
+    return makeText(memory, "object");
+}
+
+TextHold textAt(Movie& movie, const Value& value, int depth) {
+    ScriptMemory& memory = movie.scripts.memory;
+    switch (value.type()) {
+        case ValueType::yes: return makeText(memory, "true");
+        case ValueType::no: return makeText(memory, "false");
+        case ValueType::null: return makeText(memory, "null");
+        case ValueType::undefined: return makeText(memory, "undefined");
+        case ValueType::notANumber: return makeText(memory, "NaN");
+        case ValueType::infinity: return makeText(memory, "Infinity");
+        case ValueType::negativeInfinity: return makeText(memory, "-Infinity");
+        case ValueType::object: return objectText(movie, value.asObject(), depth);
+        case ValueType::clip: return clipDotPath(movie, value.asAnchor());
+        case ValueType::function: return makeText(memory, "function");
+        case ValueType::number: return makeText(memory, formatNumber(value.asNumber()).view());
+        case ValueType::text: return TextHold(&value.asText());
+    }
+    return {};
+}
+
+}  // namespace
+
+double numericValue(const Value& value) {
+    switch (value.type()) {
+        case ValueType::yes: return 1;
+        case ValueType::number: return value.asNumber();
+        case ValueType::text: return parseNumber(value.asText().view()).value_or(0);
+        default: return 0;
+    }
+}
+
+Value toNumberValue(ScriptMemory& memory, const Value& value) {
+    switch (value.type()) {
+        case ValueType::yes: return Value::number(memory, 1);
+        case ValueType::no:
+        case ValueType::null:
+        case ValueType::undefined:
+        case ValueType::object:
+        case ValueType::function: return Value::number(memory, 0);
+        case ValueType::notANumber:
+        case ValueType::infinity:
+        case ValueType::negativeInfinity:
+        case ValueType::number: return value.copy();
+        case ValueType::text: {
+            const std::optional<double> number = parseNumber(value.asText().view());
+            return number ? Value::number(memory, *number) : Value::constant(ValueType::notANumber);
+        }
+        case ValueType::clip: break;
+    }
+    return Value::constant(ValueType::notANumber);
+}
+
+bool toBoolean(const Value& value) {
+    switch (value.type()) {
+        case ValueType::yes:
+        case ValueType::infinity:
+        case ValueType::negativeInfinity:
+        case ValueType::object:
+        case ValueType::clip: return true;
+        case ValueType::number: return value.asNumber() != 0;
+        case ValueType::text: return value.asText().view() == "true";
+        default: return false;
+    }
+}
+
+TextHold toText(Movie& movie, const Value& value) { return textAt(movie, value, 0); }
+
+Value toTextValue(Movie& movie, const Value& value) { return Value::text(movie.scripts.memory, toText(movie, value)); }
+
+TextHold nameOf(Movie& movie, const Value& value) { return toText(movie, value); }
+
+std::string_view typeName(Movie& movie, const Value& value) {
+    switch (value.type()) {
+        case ValueType::yes:
+        case ValueType::no: return "boolean";
+        case ValueType::null: return "null";
+        case ValueType::undefined: return "undefined";
+        case ValueType::notANumber:
+        case ValueType::infinity:
+        case ValueType::negativeInfinity:
+        case ValueType::number: return "number";
+        case ValueType::object: return "object";
+        case ValueType::clip: return "movieclip";
+        case ValueType::function: return "function";
+        case ValueType::text: return namesFunction(movie, value.asText()) ? "function" : "string";
+    }
+    return "undefined";
+}
+
+ComparisonClass comparisonClass(const Value& value) {
+    switch (value.type()) {
+        case ValueType::yes:
+        case ValueType::no: return ComparisonClass::boolean;
+        case ValueType::null: return ComparisonClass::null;
+        case ValueType::undefined: return ComparisonClass::undefined;
+        case ValueType::notANumber:
+        case ValueType::infinity:
+        case ValueType::negativeInfinity:
+        case ValueType::number: return ComparisonClass::number;
+        case ValueType::object: return ComparisonClass::object;
+        case ValueType::clip: return ComparisonClass::clip;
+        case ValueType::function: return ComparisonClass::function;
+        case ValueType::text: break;
+    }
+    return ComparisonClass::text;
+}
+
+}  // namespace qel

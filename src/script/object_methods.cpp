@@ -1,0 +1,243 @@
+#include "script/object_methods.h"
+
+#include <bit>
+
+#include "movie/movie.h"
+#include "script/clip_object.h"
+#include "script/conversions.h"
+#include "script/math_functions.h"
+#include "script/numbers.h"
+#include "script/scope.h"
+#include "script/script_state.h"
+#include "script/text_methods.h"
+
+namespace qel {
+namespace {
+
+// --- arrays
+
+std::int32_t lengthOf(ScriptMemory& memory, const ScriptObject& array) {
+    const TextHold name = makeText(memory, "length");
+    const Value* length = name ? propertyOf(array, *name.get()) : nullptr;
+    return length ? toInt32(numericValue(*length)) : 0;
+}
+
+void setLength(ScriptMemory& memory, ScriptObject& array, double length) {
+    setPropertyValue(memory, array, "length", Value::number(memory, length));
+}
+
+TextHold keyOf(ScriptMemory& memory, std::int32_t index) { return makeText(memory, formatInteger(index).view()); }
+
+Value pushElement(const MethodCall& call, ScriptObject& array) {
+    if (call.arguments.empty()) return {};
+    ScriptMemory& memory = call.movie.scripts.memory;
+    const std::int32_t length = lengthOf(memory, array);
+    setPropertyValue(memory, array, keyOf(memory, length), call.arguments[0].copy());
+    setLength(memory, array, length + 1.0);
+    return Value::number(memory, length + 1.0);
+}
+
+Value popElement(const MethodCall& call, ScriptObject& array) {
+    ScriptMemory& memory = call.movie.scripts.memory;
+    const std::int32_t length = lengthOf(memory, array);
+    if (length < 1) return {};
+    const TextHold key = keyOf(memory, length - 1);
+    Variable* element = key ? array.properties.find(*key.get()) : nullptr;
+    Value value;
+    if (element) std::swap(value, element->value);
+    setLength(memory, array, length - 1.0);
+    return value;
+}
+
+bool isLength(const TextHold& name) { return name.view() == "length"; }
+
+Value concatArrays(const MethodCall& call, ScriptObject& array) {
+    ScriptMemory& memory = call.movie.scripts.memory;
+    ScriptObject* made = newObject(call.movie.scripts.objects, "Array");
+    if (!made) return {};
+    Value result = Value::object(*made);
+    spend(call.movie.scripts, array.properties.size());
+    for (std::uint32_t i = 0; i < array.properties.size(); ++i)
+        setPropertyValue(memory, *made, array.properties[i].name, array.properties[i].value.copy());
+    std::int32_t next = lengthOf(memory, array);
+    for (Value& argument : call.arguments) {
+        const bool isArray = argument.is(ValueType::object) && argument.asObject().kind == ObjectClass::array;
+        if (!isArray) {
+            setPropertyValue(memory, *made, keyOf(memory, next++), std::move(argument));
+            continue;
+        }
+        VariableList& elements = argument.asObject().properties;
+        spend(call.movie.scripts, elements.size());
+        for (std::uint32_t i = 0; i < elements.size() && !memory.exhausted; ++i)
+            if (!isLength(elements[i].name))
+                setPropertyValue(memory, *made, keyOf(memory, next++), elements[i].value.copy());
+    }
+    setLength(memory, *made, next);
+    return result;
+}
+
+Value callArrayMethod(const MethodCall& call, ScriptObject& array) {
+    const std::string_view name = call.name.view();
+    if (name == "push") return pushElement(call, array);
+    if (name == "pop") return popElement(call, array);
+    if (name == "concat") return concatArrays(call, array);
+    return {};
+}
+
+// --- numbers
+
+Value numberText(const MethodCall& call, const ScriptObject& object) {
+    ScriptMemory& memory = call.movie.scripts.memory;
+    const TextHold name = makeText(memory, "value");
+    const Value* value = name ? propertyOf(object, *name.get()) : nullptr;
+    const double whole = value ? truncated(numericValue(*value)) : 0;
+    const double radix = call.arguments.empty() ? 10 : truncated(numericValue(call.arguments[0]));
+    constexpr int hexadecimal = 16, binary = 2;
+    if (radix != hexadecimal && radix != binary) return Value::text(memory, formatNumber(whole).view());
+    const bool isBinary = radix == binary;
+    // The lowest 31 bits in base 2, all 32 in base 16; 0 has a digit only there.
+    std::uint32_t bits = toUint32(whole);
+    if (isBinary) bits &= 0x7FFFFFFF;
+    char digits[33];
+    std::size_t at = std::size(digits);
+    const unsigned shift = isBinary ? 1 : 4;
+    while (bits != 0) {
+        digits[--at] = "0123456789abcdef"[bits & ((1u << shift) - 1)];
+        bits >>= shift;
+    }
+    if (at == std::size(digits) && !isBinary) digits[--at] = '0';
+    return Value::text(memory, std::string_view(digits + at, std::size(digits) - at));
+}
+
+std::optional<double> numberConstant(std::string_view name) {
+    if (name == "MAX_VALUE") return std::bit_cast<double>(std::uint64_t{0x7FEFFFFFFFFFFFE2});
+    if (name == "MIN_VALUE") return std::bit_cast<double>(std::uint64_t{1});
+    return std::nullopt;
+}
+
+Value numberMember(ScriptMemory& memory, std::string_view name) {
+    if (name == "NaN") return Value::constant(ValueType::notANumber);
+    if (name == "NEGATIVE_INFINITY") return Value::constant(ValueType::negativeInfinity);
+    if (name == "POSITIVE_INFINITY") return Value::constant(ValueType::infinity);
+    const std::optional<double> number = numberConstant(name);
+    return number ? Value::number(memory, *number) : Value();
+}
+
+Value objectMember(Movie& movie, const ScriptObject& object, const Value& name) {
+    ScriptMemory& memory = movie.scripts.memory;
+    const TextHold key = nameOf(movie, name);
+    if (!key) return {};
+    switch (object.kind) {
+        case ObjectClass::math: {
+            const std::optional<double> number = mathConstant(key.view());
+            return number ? Value::number(memory, *number) : Value();
+        }
+        case ObjectClass::number:
+            if (&object == &movie.scripts.number || !propertyOf(object, *key.get()))
+                return numberMember(memory, key.view());
+            break;
+        case ObjectClass::key: return {};
+        default: break;
+    }
+    const Value* property = propertyOf(object, *key.get());
+    return property ? property->copy() : Value();
+}
+
+// An array grows to hold a new index.
+void growArray(ScriptMemory& memory, ScriptObject& array, const TextHold& name) {
+    if (array.className.view() != "Array" || isLength(name)) return;
+    const std::optional<double> number = parseNumber(name.view());
+    if (!number || formatInteger(toInt32(*number)).view() != name.view()) return;
+    const std::int32_t index = toInt32(*number);
+    if (index >= 0 && index + 1.0 > lengthOf(memory, array)) setLength(memory, array, index + 1.0);
+}
+
+}  // namespace
+
+Value makeArray(Movie& movie, Arguments elements) {
+    ScriptMemory& memory = movie.scripts.memory;
+    ScriptObject* made = newObject(movie.scripts.objects, "Array");
+    if (!made) return {};
+    Value array = Value::object(*made);
+    std::int32_t index = 0;
+    for (Value& element : elements) setPropertyValue(memory, *made, keyOf(memory, index++), std::move(element));
+    setLength(memory, *made, index);
+    return array;
+}
+
+bool constructBuiltIn(Movie& movie, std::string_view className, Arguments arguments, Value& made) {
+    ScriptMemory& memory = movie.scripts.memory;
+    if (className == "String") {
+        made = arguments.empty() ? Value::text(memory, std::string_view()) : toTextValue(movie, arguments[0]);
+        return true;
+    }
+    if (className == "Array") {
+        const bool onlyLength = arguments.size() == 1 && arguments[0].is(ValueType::number);
+        made = makeArray(movie, onlyLength ? Arguments() : arguments);
+        if (onlyLength && made.is(ValueType::object)) setLength(memory, made.asObject(), arguments[0].asNumber());
+        return true;
+    }
+    const bool isNumber = className == "Number";
+    if (!isNumber && className != "Color" && className != "Sound" && className != "Date") return false;
+    ScriptObject* object = newObject(movie.scripts.objects, className);
+    if (!object) return true;
+    made = Value::object(*object);
+    if (isNumber && !arguments.empty()) setPropertyValue(memory, *object, "value", toNumberValue(memory, arguments[0]));
+    return true;
+}
+
+const Value* userMethod(const MethodCall& call) {
+    static const Value none;
+    if (!call.object.is(ValueType::object) || call.name.view() == "toString") return nullptr;
+    const ScriptObject& object = call.object.asObject();
+    if (object.kind != ObjectClass::plain && object.kind != ObjectClass::prototype) return nullptr;
+    const Value* method = propertyOf(object, *call.name.get());
+    return method ? method : &none;
+}
+
+Value callBuiltIn(const MethodCall& call) {
+    const std::string_view name = call.name.view();
+    const bool isObject = call.object.is(ValueType::object);
+    const bool isNumber = isObject && call.object.asObject().kind == ObjectClass::number;
+    if (name == "toString" && !isNumber) return toTextValue(call.movie, call.object);
+    if (name == "valueOf" && !isObject) return {};
+    if (call.object.is(ValueType::clip))
+        return callClipMethod(call.movie, Target(call.object.asAnchor()), name, call.arguments);
+    if (call.object.is(ValueType::text)) return callTextMethod(call);
+    if (!isObject) return {};
+    ScriptObject& object = call.object.asObject();
+    switch (object.kind) {
+        case ObjectClass::array: return callArrayMethod(call, object);
+        case ObjectClass::math: return callMath(call);
+        case ObjectClass::string: return callStringClass(call);
+        case ObjectClass::number: return name == "toString" ? numberText(call, object) : Value();
+        default: return {};
+    }
+}
+
+Value getMember(Movie& movie, const Value& object, const Value& name) {
+    switch (object.type()) {
+        case ValueType::text:
+            if (name.is(ValueType::text) && name.asText().view() == "length")
+                return Value::number(movie.scripts.memory, object.asText().length);
+            return {};
+        case ValueType::clip: return getClipMember(movie, Target(object.asAnchor()), nameOf(movie, name));
+        case ValueType::function:
+            if (name.is(ValueType::text) && name.asText().view() == "prototype")
+                return Value::object(object.asFunction().prototype);
+            return {};
+        case ValueType::object: return objectMember(movie, object.asObject(), name);
+        default: return {};
+    }
+}
+
+void setMember(Movie& movie, const Value& object, const Value& name, Value value) {
+    if (!object.is(ValueType::clip) && !object.is(ValueType::object)) return;
+    const TextHold key = nameOf(movie, name);
+    if (!key) return;
+    if (object.is(ValueType::clip)) return setClipMember(movie, Target(object.asAnchor()), key, std::move(value));
+    setPropertyValue(movie.scripts.memory, object.asObject(), key, std::move(value));
+    growArray(movie.scripts.memory, object.asObject(), key);
+}
+
+}  // namespace qel

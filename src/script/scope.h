@@ -1,0 +1,33 @@
+// Variables by their names: where they are looked for, and where they are made.
+#pragma once
+
+#include "script/action_list.h"
+
+namespace qel {
+
+struct Movie;
+
+// The list that is running, or null.
+ActionList* runningList(Movie& movie);
+
+// A reference to a clip, or to the root (null).
+Value clipValue(Movie& movie, ClipInstance* clip);
+Value targetValue(Movie& movie, const Target& target);
+
+// What a name stands for: `this`, `_root` and the like, a variable, a function, a clip. A path may stand in front of
+// it, behind which ":" follows. `undefined` where there is nothing.
+Value getVariable(Movie& movie, const TextHold& name);
+
+// Without the special names, functions and clips: the variable, or null.
+const Value* findVariable(Movie& movie, const TextHold& name);
+
+void setVariable(Movie& movie, const TextHold& name, Value value);
+void defineLocal(Movie& movie, const TextHold& name, Value value);
+void deleteVariable(Movie& movie, const TextHold& name);
+
+// Stores a value in the variable of a list, making it where it is missing.
+void storeVariable(Movie& movie, VariableList& list, const TextHold& name, Value value);
+
+ScriptFunction* findFunction(Movie& movie, const Text& name);
+
+}  // namespace qel

@@ -1,0 +1,35 @@
+#include "script/script_state.h"
+
+namespace qel {
+
+void discardLists(ScriptContext& scripts) {
+    for (ActionLevel& level : scripts.levels) {
+        level.lists.truncate(0);
+        level.current = 0;
+    }
+    scripts.level = 0;
+}
+
+void forgetEverything(ScriptContext& scripts) {
+    discardLists(scripts);
+    scripts.stack.truncate(0);
+    for (Value& value : scripts.registers) value = Value();
+    scripts.variables.clear();
+    for (ScriptFunction* function = scripts.firstFunction; function; function = function->next) {
+        function->locals.clear();
+        function->prototype.properties.clear();
+        function->constants = {};
+    }
+    for (ScriptObject* object : {&scripts.math, &scripts.string, &scripts.number, &scripts.key})
+        object->properties.clear();
+    scripts.objects.clear();
+    while (ScriptFunction* function = scripts.firstFunction) {
+        scripts.firstFunction = function->next;
+        PoolPtr<ScriptFunction>(function, PoolDelete{scripts.memory.charged}).reset();
+    }
+    scripts.lastFunction = nullptr;
+    scripts.target = scripts.savedTarget = {};
+    scripts.targetSaved = false;
+}
+
+}  // namespace qel
