@@ -81,7 +81,7 @@ std::vector<std::uint8_t> expandChunks(Listing& list, const CompressedFacts& fac
 
 void inspectExpanded(Listing& list, const std::vector<std::uint8_t>& expanded, std::uint32_t due) {
     if (expanded.empty() || list.full) return;
-    Listing inner{.out = list.out, .content = expanded};
+    Listing inner{.out = list.out, .content = expanded, .wishes = list.wishes};
     PartScope scope(inner, "expandedContent", -1, 0, expanded.size());
     if (inner.full) return;
     list.out.expandedPart = scope.index();
@@ -126,12 +126,12 @@ void inspectCompressed(Listing& list) {
 }  // namespace
 }  // namespace inspector
 
-Inspection inspectContent(std::span<const std::uint8_t> bytes) {
+Inspection inspectContent(std::span<const std::uint8_t> bytes, InspectionWishes wishes) {
     using namespace inspector;
     Inspection inspection;
     inspection.family = contentFamily(bytes);
     inspection.fileLength = static_cast<std::uint32_t>(bytes.size());
-    Listing list{.out = inspection, .content = bytes};
+    Listing list{.out = inspection, .content = bytes, .wishes = wishes};
     switch (inspection.family) {
         case ContentFamily::vis: inspectMovie(list, MovieSource::file); break;
         case ContentFamily::zvis: inspectCompressed(list); break;

@@ -16,6 +16,7 @@ namespace qel::author {
 inline constexpr std::uint32_t maxInspectedBytes = 256u << 20;   // larger files are refused by the caller
 inline constexpr std::uint32_t maxInspectedParts = 1'000'000;    // what lies behind them is reported as not looked at
 inline constexpr std::uint32_t maxInspectedNumbers = 4'000'000;  // of lists, together; the same
+inline constexpr std::uint32_t maxListedCode = 64u << 20;        // bytes of action listings, together; the same
 inline constexpr std::uint32_t maxListedProblems = 1000;         // more are only counted
 
 enum class FieldKind : std::uint8_t {
@@ -24,6 +25,7 @@ enum class FieldKind : std::uint8_t {
     yesNo,
     word,     // a name of this program's, stored as a text is
     text,     // content bytes as they are: `count` bytes of Inspection::texts from `value`
+    lines,    // words in lines, each with its newline, stored as a text is
     numbers,  // `count` entries of Inspection::numbers from `value`
     matrix,   // six of them: a, b, c, d (16.16 fixed point), tx, ty (pixels)
 };
@@ -67,6 +69,7 @@ struct Inspection {
     std::vector<InspectionField> fields;
     std::string texts;
     std::vector<std::int32_t> numbers;
+    std::uint32_t codeListed = 0;             // bytes of action listings
     std::vector<InspectionProblem> problems;  // by part, then in the order of finding
     std::uint32_t errorCount = 0, warningCount = 0;
     // The part that holds the expanded content of a "ZVIS" file, or noPart. From there on offsets count from the start
@@ -74,8 +77,12 @@ struct Inspection {
     std::uint32_t expandedPart = noPart;
 };
 
+struct InspectionWishes {
+    bool actions = false;  // action code is listed, as field "code"
+};
+
 // Reads content of any length up to maxInspectedBytes and whatever its bytes. The result keeps no pointer to `bytes`.
-Inspection inspectContent(std::span<const std::uint8_t> bytes);
+Inspection inspectContent(std::span<const std::uint8_t> bytes, InspectionWishes wishes = {});
 
 // The fields of a part.
 std::span<const InspectionField> fieldsOf(const Inspection& inspection, std::uint32_t part);

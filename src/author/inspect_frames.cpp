@@ -265,6 +265,7 @@ void inspectActions(Listing& list, std::size_t begin, std::size_t end) {
     }
     addNumber(list, "actions", static_cast<std::int64_t>(count));
     addNumber(list, "actionBytes", static_cast<std::int64_t>(end - begin));
+    addCode(list, "code", list.content.subspan(begin, end - begin));
     if (at < end && list.content[at] != 0)
         addError(list, at, "action 0x%02X runs past the end of its list", unsigned{list.content[at]});
 }

@@ -25,6 +25,19 @@ void writeText(std::string& out, std::string_view bytes) {
     out += '"';
 }
 
+// A list of the lines, without their newlines.
+void writeLines(std::string& out, std::string_view lines) {
+    char before = '[';
+    while (!lines.empty()) {
+        const std::size_t end = lines.find('\n');
+        out += before;
+        writeText(out, lines.substr(0, end));
+        lines.remove_prefix(end + 1);
+        before = ',';
+    }
+    out += ']';
+}
+
 void writeValue(std::string& out, const Inspection& inspection, const InspectionField& field) {
     const auto begin = static_cast<std::size_t>(field.value);
     switch (field.kind) {
@@ -33,6 +46,7 @@ void writeValue(std::string& out, const Inspection& inspection, const Inspection
         case FieldKind::yesNo: out += field.value ? "true" : "false"; return;
         case FieldKind::word:
         case FieldKind::text: writeText(out, std::string_view{inspection.texts}.substr(begin, field.count)); return;
+        case FieldKind::lines: return writeLines(out, std::string_view{inspection.texts}.substr(begin, field.count));
         case FieldKind::numbers:
         case FieldKind::matrix: break;
     }

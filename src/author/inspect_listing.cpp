@@ -4,6 +4,8 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include "author/action_listing.h"
+
 namespace qel::author::inspector {
 namespace {
 
@@ -62,6 +64,14 @@ void addYesNo(Listing& list, const char* name, bool value) {
 void addWord(Listing& list, const char* name, std::string_view word) { addBytes(list, name, FieldKind::word, word); }
 
 void addText(Listing& list, const char* name, std::string_view text) { addBytes(list, name, FieldKind::text, text); }
+
+void addCode(Listing& list, const char* name, std::span<const std::uint8_t> code) {
+    if (list.full || !list.wishes.actions || code.empty()) return;
+    const std::size_t left = maxListedCode - list.out.codeListed;
+    const std::string lines = listActions(code, left);
+    list.out.codeListed += static_cast<std::uint32_t>(std::min(lines.size(), left));
+    addBytes(list, name, FieldKind::lines, lines);
+}
 
 void addNumbers(Listing& list, const char* name, std::span<const std::int32_t> numbers) {
     if (list.full) return;

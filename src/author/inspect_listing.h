@@ -15,6 +15,7 @@ namespace qel::author::inspector {
 struct Listing {
     Inspection& out;
     std::span<const std::uint8_t> content;
+    InspectionWishes wishes = {};
     std::uint8_t depth = 0;
     bool full = false;  // a limit is reached: nothing more is listed, loops end
 };
@@ -39,6 +40,8 @@ void addHex(Listing& list, const char* name, std::uint32_t value);
 void addYesNo(Listing& list, const char* name, bool value);
 void addWord(Listing& list, const char* name, std::string_view word);
 void addText(Listing& list, const char* name, std::string_view text);
+// Action code, where it is wished for.
+void addCode(Listing& list, const char* name, std::span<const std::uint8_t> code);
 void addNumbers(Listing& list, const char* name, std::span<const std::int32_t> numbers);
 void addMatrix(Listing& list, const char* name, const Matrix& matrix);
 

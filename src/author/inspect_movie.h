@@ -96,7 +96,7 @@ enum class TimelineOf : std::uint8_t { movie, sprite };
 bool inspectFrame(Listing& list, MovieFacts& facts, const RecordPlace& record, TimelineOf owner, std::uint32_t index);
 
 void inspectCommandList(Listing& list, MovieFacts& facts, std::size_t begin, std::size_t end);
-// Adds how many actions the code has.
+// Adds how many actions the code has, and their listing where it is asked for.
 void inspectActions(Listing& list, std::size_t begin, std::size_t end);
 
 // Notes which identifiers are defined and which are named, by the part listed last. noCharacter is no reference.

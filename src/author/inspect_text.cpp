@@ -8,6 +8,7 @@ namespace qel::author {
 namespace {
 
 constexpr std::size_t lineWidth = 110;
+constexpr std::size_t codeColumn = 20;
 constexpr std::size_t fieldColumn = 46;  // where fields begin, and go on when a line is full
 
 std::string quoted(std::string_view bytes) {
@@ -44,6 +45,7 @@ std::string valueText(const Inspection& inspection, const InspectionField& field
         }
         case FieldKind::yesNo: return field.value ? "yes" : "no";
         case FieldKind::word: return inspection.texts.substr(begin, field.count);
+        case FieldKind::lines: return "below";
         case FieldKind::text: return quoted(std::string_view{inspection.texts}.substr(begin, field.count));
         case FieldKind::numbers:
         case FieldKind::matrix: break;
@@ -92,6 +94,17 @@ struct Line {
     }
 };
 
+// Lines of a field of their own stand below the part.
+void writeLines(std::string& out, const Inspection& inspection, const InspectionField& field, std::size_t column) {
+    std::string_view lines =
+        std::string_view{inspection.texts}.substr(static_cast<std::size_t>(field.value), field.count);
+    while (!lines.empty()) {
+        const std::size_t end = lines.find('\n') + 1;
+        out.append(column, ' ').append(lines.substr(0, end));
+        lines.remove_prefix(end);
+    }
+}
+
 void writePart(std::string& out, const Inspection& inspection, std::uint32_t index) {
     const InspectionPart& part = inspection.parts[index];
     char numbers[32];
@@ -104,6 +117,9 @@ void writePart(std::string& out, const Inspection& inspection, std::uint32_t ind
     Line line{out, head.size()};
     for (const InspectionField& field : fields) line.field(field.name, valueText(inspection, field), 2);
     out += '\n';
+    for (const InspectionField& field : fields)
+        if (field.kind == FieldKind::lines)
+            writeLines(out, inspection, field, codeColumn + std::size_t{2} * part.depth);
 }
 
 std::string counted(std::uint32_t count, const char* what) {

@@ -1,6 +1,7 @@
 #include "author/source_characters.h"
 
 #include "author/character_records.h"
+#include "author/source_code.h"
 #include "author/source_commands.h"
 
 namespace qel::author {
@@ -56,7 +57,7 @@ ButtonCondition conditionOf(const SourceValue& value, const ReadSourceFile& read
     if (const SourceValue* key = value.find("key")) condition.key = keyOf(*key);
     if (!condition.focusLost && !condition.focusGained && !condition.focusedKey && !condition.key)
         fail(value, "a condition names at least one of focusLost, focusGained, focusedKey, key");
-    condition.code = dataOf(memberOf(value, "code"), readFile);
+    condition.code = codeOf(memberOf(value, "code"), readFile);
     return condition;
 }
 

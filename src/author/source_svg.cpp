@@ -110,14 +110,13 @@ class PictureExpander {
 
     // One frame that places the shapes above each other and stops there.
     SourceValue stackOfShapes() {
-        constexpr const char* stop = "07";
         SourceValue place = values_.object();
         for (std::size_t i = 0; i < shapes_.size(); ++i) {
             const std::string layer = "layer " + std::to_string(i + 1), character = name_ + " " + layer;
             added_.push_back({character, values_.object({{"shape", std::move(shapes_[i])}})});
             place.members.push_back({layer, values_.object({{"character", values_.text(character)}})});
         }
-        return values_.object({{"place", std::move(place)}, {"actions", values_.text(stop)}});
+        return values_.object({{"place", std::move(place)}, {"actions", values_.text("Stop")}});
     }
 
     int coordinate(double value) {

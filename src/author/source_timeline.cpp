@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "author/frame_items.h"
+#include "author/source_code.h"
 #include "author/source_commands.h"
 #include "author/source_placement.h"
 
@@ -69,7 +70,7 @@ ClipHandler handlerOf(const SourceValue& value, const ReadSourceFile& readFile) 
         for (const SourceValue& name : on.items) take(name);
     else
         take(on);
-    handler.code = dataOf(memberOf(value, "code"), readFile);
+    handler.code = codeOf(memberOf(value, "code"), readFile);
     return handler;
 }
 
@@ -202,13 +203,8 @@ class TimelineCompiler {
     // Code comes last, so that it finds the frame as it stands.
     void addActions(CompiledFrame& frame, const SourceValue& step) {
         const std::size_t begin = items_.size();
-        if (const SourceValue* code = step.find("actions")) {
-            if (code->kind == SourceValue::Kind::list) {
-                for (const SourceValue& each : code->items) add(actions(dataOf(each, build_.readFile)));
-            } else {
-                add(actions(dataOf(*code, build_.readFile)));
-            }
-        }
+        if (const SourceValue* code = step.find("actions"))
+            for (const Bytes& each : codesOf(*code, build_.readFile)) add(actions(each));
         const SourceValue* callable = step.find("callable");
         if (!callable || !booleanOf(*callable)) return;
         if (items_.size() == begin) fail(*callable, "a frame that scripts call has \"actions\"");

@@ -16,6 +16,7 @@ namespace {
 struct InfoOptions {
     std::string path;
     bool json = false;
+    author::InspectionWishes wishes;
 };
 
 // False, with the reason said, when the file cannot be had or is larger than the inspector takes.
@@ -40,7 +41,7 @@ bool readWhole(const std::string& path, std::vector<std::uint8_t>& bytes) {
 int showInfo(const InfoOptions& options) {
     std::vector<std::uint8_t> bytes;
     if (!readWhole(options.path, bytes)) return badUsage;
-    const author::Inspection inspection = author::inspectContent(bytes);
+    const author::Inspection inspection = author::inspectContent(bytes, options.wishes);
     if (inspection.family == ContentFamily::stream) {
         std::cerr << "qel info: " << options.path << ": stream content (MSF, MSS) is not listed\n";
         return badUsage;
@@ -62,6 +63,7 @@ void addInfoCommand(CLI::App& app, int& status) {
     CLI::App* info = app.add_subcommand("info", "Lists what a VIS, ZVIS or SAF file holds and where it is broken.");
     info->add_option("FILE", options->path, "the content file")->required();
     info->add_flag("--json", options->json, "one JSON object instead of a table");
+    info->add_flag("--actions", options->wishes.actions, "with the action code, as 'qel build' takes it");
     info->footer("Exit status: 0 the file is whole, 1 it is broken, 2 it cannot be read or is stream content.");
     info->callback([options, &status] { status = showInfo(*options); });
 }

@@ -513,17 +513,17 @@ Called Interpreter::perform(Action action, ContentReader operands) {
             return Called::answered;
         }
         // Requests that the device takes and does not follow.
-        case Action::startDrag: {
+        case Action::dragRequest: {
             pop(movie_), pop(movie_);
             const Value constrain = pop(movie_);
             const bool zero = constrain.is(ValueType::number) && constrain.asNumber() == 0;
             for (int i = 0; !zero && i < 4; ++i) pop(movie_);
             return Called::answered;
         }
-        case Action::cloneSprite: pop(movie_), pop(movie_), pop(movie_); return Called::answered;
+        case Action::duplicateRequest: pop(movie_), pop(movie_), pop(movie_); return Called::answered;
         case Action::getUrl2: pop(movie_); [[fallthrough]];
         case Action::pop:
-        case Action::removeSprite:
+        case Action::removeRequest:
         case Action::trace:
         case Action::waitForFrame2: pop(movie_); return Called::answered;
         default: break;

@@ -57,8 +57,8 @@ TEST(SourceCharacters, AreWhatTheInspectorReads) {
           "8000"}},
         {"button",
          R"("x": {"button": {"up": "dot", "over": "ring"}, "conditions": [
-                {"focusLost": true, "focusGained": true, "code": "07"},
-                {"focusedKey": "ok", "key": 53, "code": "06 07"}, {"key": "left", "code": ""}]})",
+                {"focusLost": true, "focusGained": true, "code": "Stop"},
+                {"focusedKey": "ok", "key": 53, "code": ["Play", "Stop"]}, {"key": "left", "code": ""}]})",
          {"button downCharacter 2 identifier 3 overCharacter 2 upCharacter 1",
           "condition actionBytes 1 actions 1 when \"focusLost focusGained\"",
           "condition actionBytes 2 actions 2 focusedKey 153 focusedKeyName \"ok\" key 53 when \"keyWhileFocused key\"",
@@ -88,7 +88,7 @@ TEST(SourceCharacters, AreWhatTheInspectorReads) {
 TEST(SourceCharacters, WriteSpritesWithTablesThatPointAtTheirFrames) {
     const std::string source = withCharacters(R"("x": {"keyFrameList": ["out", 0], "sprite": [
         {"key": true, "identifier": 40, "label": "in", "place": {"a": {"character": "dot"}}},
-        {"label": "out", "alpha": {"a": 9}, "actions": ["06", "07"], "callable": true}]})");
+        {"label": "out", "alpha": {"a": 9}, "actions": [["Play"], {"hex": "07"}], "callable": true}]})");
     EXPECT_EQ(listed(source, "sprite"),
               (Lines{"sprite blockIdentifiers [1] blockLengths [4] blockOffsets [19] blocks 1 frameCount 2 headLength "
                      "44 identifier 3 keyFrameCount 1 keyFrames [0,1] labels 2",
@@ -103,11 +103,11 @@ TEST(SourceFrames, HoldEveryItem) {
     const std::string source = withCharacters(R"("beep": {"sound": "80"}, "s": {"sprite": [{}]})",
                                               R"({"place": {"a": {"character": "dot", "number": 7},
                       "c": {"character": "s", "name": "ship", "number": 1,
-                            "handlers": [{"on": ["load", "event5"], "code": "07"}, {"on": "every-frame", "code": "06 07"}]},
+                            "handlers": [{"on": ["load", "event5"], "code": "Stop"}, {"on": "every-frame", "code": {"hex": "06 07"}}]},
                       "d": {"character": "s"}},
             "ratio": {"a": 300}, "colour": {"a": {"redOffset": 3}}, "alpha": {"a": 77},
             "stopSound": "beep", "startSound": ["beep", "beep"], "volume": 55, "purgeOrderUpdate": {"beep": 2},
-            "commands": [{"on": "ok", "do": "play"}], "actions": "07"})");
+            "commands": [{"on": "ok", "do": "play"}], "actions": "Stop"})");
     EXPECT_EQ(listed(source, "frame"),
               (Lines{"frame cached false index 0",
                      "instanceNumber number 7",
@@ -162,7 +162,7 @@ TEST(SourceMovie, HoldsEveryRecordBesideTheFrames) {
         "keyFrameList": [2, "in", 2], "purgeOrder": ["b", "a"], "nameTable": {"ding": "a"}, "directory": true,
         "characters": {"a": {"sound": "80"}, "b": {"sound": "7f", "identifier": 12}},
         "frames": [{"key": "top", "label": "in"}, {"release": ["a"], "purgeOrder": ["a"], "background": "#0000ff"},
-                   {"actions": ["06", "0707"], "callable": true, "startSound": "a"}])");
+                   {"actions": [["Play"], ["Stop", "Stop"]], "callable": true, "startSound": "a"}])");
     const MovieFile movie = buildMovie(source);
     const Bytes file = visFile(movie);
     const std::size_t actionsAt = file.size() - 7;  // in front of the end record
@@ -328,8 +328,14 @@ TEST(SourceErrors, NameWhatIsWrongWithAFrame) {
          "frames/0/place/a/handlers/0/on", "\"key\" is no event; use load, unload, every-frame, event4 or event5"},
         {R"({"place": {"a": {"character": "red"}}})", "frames/0/place/a/character",
          "\"red\" is not to be seen; only shapes, sprites, buttons and text fields are placed"},
-        {R"({"actions": "zz"})", "frames/0/actions",
+        {R"({"actions": "zz"})", "frames/0/actions", "there is no action \"zz\""},
+        {R"({"actions": "Play\nzz"})", "frames/0/actions", "line 2: there is no action \"zz\""},
+        {R"({"actions": ["Play", "zz"]})", "frames/0/actions/1", "there is no action \"zz\""},
+        {R"({"actions": [["Play"], ["zz"]]})", "frames/0/actions/1/0", "there is no action \"zz\""},
+        {R"({"actions": {"hex": "zz"}})", "frames/0/actions/hex",
          "pairs of hexadecimal digits belong here, not \"zz\" at character 1"},
+        {R"({"actions": 7})", "frames/0/actions",
+         "action code belongs here: a listing, a list of its lines, { \"file\": … } or { \"hex\": … }"},
     };
     for (const auto& each : cases) {
         try {

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "author/inspect.h"
 #include "cli/command_line.h"
 #include "format/colour_formats.h"
 #include "support/playback.h"
@@ -65,6 +66,24 @@ std::string exampleOn(const files::path& page) {
     const std::size_t begin = text.find(fence);
     if (begin == std::string::npos) return "";
     return text.substr(begin + fence.size(), text.find("```", begin + fence.size()) - begin - fence.size());
+}
+
+TEST_F(BuildCommand, TakesTheListingThatInfoPrints) {
+    const std::string listing = "again:\n    Push 'i' 1.5\n    If again\n    Stop\n";
+    std::ofstream(place / "game.actions", std::ios::binary) << listing;
+    const std::string path = output("movie.vis");
+    ASSERT_EQ(
+        build({source(R"({"stage": [8, 8], "frames": [{"actions": {"file": "game.actions"}}]})"), "-o", path}).errors,
+        "");
+    const author::Inspection inspection = author::inspectContent(bytesOf(path), {.actions = true});
+    EXPECT_NE(author::inspectionText(inspection, "movie").find("    Push 'i' 1.5\n"), std::string::npos);
+    EXPECT_NE(author::inspectionJson(inspection, "movie").find(R"("code":["label1:","    Push 'i' 1.5",)"),
+              std::string::npos);
+    EXPECT_EQ(author::inspectionText(author::inspectContent(bytesOf(path)), "movie").find("Push"), std::string::npos);
+    std::ofstream(place / "game.actions", std::ios::binary) << "Stop\nHalt";
+    EXPECT_NE(
+        build({(place / "movie.json").string(), "-o", path}).errors.find("game.actions:2: there is no action \"Halt\""),
+        std::string::npos);
 }
 
 TEST_F(BuildCommand, MakesAMovieThatShowsWhatItsSourceSays) {
