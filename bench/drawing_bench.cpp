@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdlib>
 #include <deque>
 #include <optional>
@@ -12,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "measure.h"
 #include "scene_cairo.h"
 #include "scene_file.h"
 #include "scene_movie.h"
@@ -19,9 +19,6 @@
 
 namespace qel::bench {
 namespace {
-
-using std::chrono::nanoseconds;
-using std::chrono::steady_clock;
 
 // What a frame may cost, microseconds: below the fastest renderers of the field, measured on one machine (2 cores,
 // AVX2) drawing the same scenes. On another machine the ratio to Cairo says more.
@@ -68,33 +65,6 @@ std::deque<SceneResults>& results() {
     return all;
 }
 
-double median(std::span<nanoseconds> costs) {
-    const auto middle = costs.begin() + static_cast<std::ptrdiff_t>(costs.size() / 2);
-    std::ranges::nth_element(costs, middle);
-    return static_cast<double>(middle->count()) / 1000;
-}
-
-// The least of the medians of several stretches: others may be at work on the machine for a while.
-double bestMedian(std::span<nanoseconds> costs) {
-    constexpr std::size_t stretches = 8, leastFrames = 5;
-    const std::size_t length = std::max(costs.size() / stretches, leastFrames);
-    double best = median(costs);
-    for (; costs.size() >= length; costs = costs.subspan(length)) best = std::min(best, median(costs.first(length)));
-    return best;
-}
-
-// Every iteration is a frame. The library runs a benchmark with more and more of them; the last run counts.
-template <class DrawFrame>
-void measureFrames(benchmark::State& state, std::optional<double>& result, DrawFrame drawFrame) {
-    std::vector<nanoseconds> costs;
-    for (auto _ : state) {
-        costs.push_back(drawFrame());
-        state.SetIterationTime(std::chrono::duration<double>(costs.back()).count());
-    }
-    result = bestMedian(costs);
-    state.counters["us/frame"] = *result;
-}
-
 // By more than an eighth of a channel's range: blending rounds at 16 bits here and at 32 bits there.
 bool clearlyDiffer(std::uint16_t a, std::uint16_t b) {
     const auto differ = [&](unsigned shift, int mask) {
@@ -122,7 +92,7 @@ Scene sceneOf(const SceneResults& of, Row row) {
 void drawWithPlayer(benchmark::State& state, SceneResults& of, Row row) {
     ScenePlayer player(sceneMovie(sceneOf(of, row), row == Row::standing ? Motion::standing : Motion::moving));
     player.playFrame();  // the first has its memory to find
-    measureFrames(state, of[row], [&] { return player.playFrame(); });
+    of[row] = measure(state, "us/frame", [&] { return player.playFrame(); });
     if (row != Row::moving) return;
     of.unlikeCairo = shareUnlikeCairo(of, player);
     state.counters["unlike Cairo"] = *of.unlikeCairo;
@@ -132,11 +102,9 @@ void drawWithCairo(benchmark::State& state, SceneResults& of) {
     SceneCairo cairo(of.scene, of.bitmaps);
     std::size_t frame = 0;
     cairo.drawFrame(frame);
-    measureFrames(state, of[Row::cairo], [&] {
+    of[Row::cairo] = measure(state, "us/frame", [&] {
         frame = (frame + 1) % of.scene.frames.size();
-        const auto begin = steady_clock::now();
-        cairo.drawFrame(frame);
-        return steady_clock::now() - begin;
+        return timed([&] { cairo.drawFrame(frame); });
     });
 }
 
@@ -152,28 +120,10 @@ void drawScene(benchmark::State& state, SceneResults& of, Row row) try {
 
 // --- the tables
 
-void printNumber(std::FILE* to, std::optional<double> value, int decimals = 1) {
-    if (value)
-        std::fprintf(to, " %11.*f", decimals, *value);
-    else
-        std::fprintf(to, " %11s", "-");
-}
-
-std::optional<double> ratio(std::optional<double> of, std::optional<double> by) {
-    if (!of || !by || *by == 0) return std::nullopt;
-    return *of / *by;
-}
-
 std::optional<double> aimFor(const std::string& scene) {
     const Aim* const found = std::ranges::find(aims, scene, &Aim::scene);
     if (found == std::end(aims)) return std::nullopt;
     return found->microseconds;
-}
-
-void printHeading(std::FILE* to, const char* title, std::initializer_list<const char*> columns) {
-    std::fprintf(to, "\n%-22s", title);
-    for (const char* column : columns) std::fprintf(to, " %11s", column);
-    std::fprintf(to, "\n");
 }
 
 bool wasDrawn(const SceneResults& of) {
@@ -187,7 +137,7 @@ void printCosts(std::FILE* to) {
     for (const SceneResults& of : results()) {
         if (!wasDrawn(of)) continue;
         const std::optional<double> aim = aimFor(of.scene.name);
-        std::fprintf(to, "%-22s", of.scene.name.c_str());
+        printRowName(to, of.scene.name);
         printNumber(to, of[Row::moving]);
         printNumber(to, of[Row::standing]);
         printNumber(to, of[Row::cairo]);
@@ -203,7 +153,7 @@ void printGrowth(std::FILE* to) {
     printHeading(to, "as objects double", {"half", "whole", "double", "whole/half", "double/whole"});
     for (const SceneResults& of : results()) {
         if (!of[Row::moving]) continue;
-        std::fprintf(to, "%-22s", of.scene.name.c_str());
+        printRowName(to, of.scene.name);
         for (const Row row : {Row::movingHalf, Row::moving, Row::movingDouble}) printNumber(to, of[row]);
         printNumber(to, ratio(of[Row::moving], of[Row::movingHalf]), 2);
         printNumber(to, ratio(of[Row::movingDouble], of[Row::moving]), 2);
