@@ -51,8 +51,8 @@ template <>
 inline constexpr std::uint32_t charge<struct ConstantPool> = 0;
 
 struct ScriptFunction {
-    TextHold name;
-    PoolArray<TextHold> parameters;
+    Name name;
+    PoolArray<Name> parameters;
     Shared<ActionCode> code;
     VariableList locals;  // of all its calls
     Shared<ConstantPool> constants;
@@ -61,8 +61,6 @@ struct ScriptFunction {
 };
 template <>
 inline constexpr std::uint32_t charge<struct ScriptFunction> = 76;
-template <>
-inline constexpr std::uint32_t charge<class TextHold> = 4;
 
 // The clip that code acts on: the root, a clip, or one that is gone.
 class Target {

@@ -115,18 +115,18 @@ PoolArray<Value> popArguments(Movie& movie) {
 }
 
 Called callFunction(Movie& movie) {
-    const TextHold name = nameOf(movie, pop(movie));
+    const Name name = nameOf(movie, pop(movie));
     PoolArray<Value> arguments = popArguments(movie);
     if (!name) return Called::answered;
     Value result;
-    if (callNative(movie, *name.get(), arguments.span(), result)) return give(movie, std::move(result));
-    ScriptFunction* function = findFunction(movie, *name.get());
+    if (callNative(movie, *name, arguments.span(), result)) return give(movie, std::move(result));
+    ScriptFunction* function = name->function;
     if (!function) return give(movie, {});
     return openCall(movie, *function, arguments.span(), ListKind::call, {});
 }
 
 Called callMethod(Movie& movie) {
-    const TextHold name = nameOf(movie, pop(movie));
+    const Name name = nameOf(movie, pop(movie));
     const Value object = pop(movie);
     PoolArray<Value> arguments = popArguments(movie);
     if (!name) return Called::answered;
@@ -139,7 +139,7 @@ Called callMethod(Movie& movie) {
 }
 
 Called newObjectOf(Movie& movie) {
-    const TextHold name = nameOf(movie, pop(movie));
+    const Name name = nameOf(movie, pop(movie));
     PoolArray<Value> arguments = popArguments(movie);
     if (!name) return Called::answered;
     Value built;
@@ -147,7 +147,7 @@ Called newObjectOf(Movie& movie) {
     ScriptObject* made = newObject(movie.scripts.objects, name.view());
     if (!made) return Called::answered;
     Value object = Value::object(*made);
-    ScriptFunction* constructor = findFunction(movie, *name.get());
+    ScriptFunction* constructor = name->function;
     if (!constructor) return give(movie, std::move(object));
     const Called called = openCall(movie, *constructor, arguments.span(), ListKind::constructor, object.copy());
     VariableList& prototype = constructor->prototype.properties;

@@ -1,6 +1,7 @@
 // Values as numbers, texts, truth and type names.
 #pragma once
 
+#include "script/name.h"
 #include "script/value.h"
 
 namespace qel {
@@ -16,7 +17,7 @@ TextHold toText(Movie& movie, const Value& value);
 Value toTextValue(Movie& movie, const Value& value);
 
 // A name: the text of a value that is one, else what it converts to.
-TextHold nameOf(Movie& movie, const Value& value);
+Name nameOf(Movie& movie, const Value& value);
 
 // "number", "string" and so on. A text that is the name of a function counts as one.
 std::string_view typeName(Movie& movie, const Value& value);

@@ -8,18 +8,18 @@
 namespace qel {
 namespace {
 
-// A zero-terminated text; false where its zero is missing.
-bool readText(ContentReader& operands, ScriptMemory& memory, TextHold& text) {
+// A zero-terminated name; false where its zero is missing.
+bool readName(ContentReader& operands, ScriptMemory& memory, Name& name) {
     const std::span<const std::uint8_t> rest = operands.rest();
     std::size_t length = 0;
     while (length < rest.size() && rest[length] != 0) ++length;
     if (length == rest.size()) return false;
-    text = makeText(memory, {reinterpret_cast<const char*>(rest.data()), length});
+    name = makeName(memory, {reinterpret_cast<const char*>(rest.data()), length});
     operands.skip(length + 1);
     return true;
 }
 
-ScriptFunction* addFunction(Movie& movie, const TextHold& name) {
+ScriptFunction* addFunction(Movie& movie, const Name& name) {
     ScriptContext& scripts = movie.scripts;
     PoolPtr<ScriptFunction> function = makePooled<ScriptFunction>(movie.pool);
     if (!function) {
@@ -27,6 +27,7 @@ ScriptFunction* addFunction(Movie& movie, const TextHold& name) {
         return nullptr;
     }
     function->name = name;
+    name->function = function.get();
     function->prototype.kind = ObjectClass::prototype;
     function->prototype.className = makeText(scripts.memory, "prototype");
     (scripts.lastFunction ? scripts.lastFunction->next : scripts.firstFunction) = function.get();
@@ -38,13 +39,13 @@ ScriptFunction* addFunction(Movie& movie, const TextHold& name) {
 
 bool defineFunction(Movie& movie, ActionList& list, ContentReader operands) {
     ScriptContext& scripts = movie.scripts;
-    TextHold name;
-    if (!readText(operands, scripts.memory, name)) return false;
+    Name name;
+    if (!readName(operands, scripts.memory, name)) return false;
     const std::uint32_t count = operands.u16();
-    PoolArray<TextHold> parameters;
+    PoolArray<Name> parameters;
     for (std::uint32_t i = 0; i < count; ++i) {
-        TextHold parameter;
-        if (!readText(operands, scripts.memory, parameter)) return false;
+        Name parameter;
+        if (!readName(operands, scripts.memory, parameter)) return false;
         if (failed(parameters.append(movie.pool, std::move(parameter)))) {
             scripts.memory.exhausted = true;
             return true;
@@ -57,7 +58,7 @@ bool defineFunction(Movie& movie, ActionList& list, ContentReader operands) {
     Shared<ActionCode> body = copyCode(movie, rest.first(size));
     list.at += size;
     if (!name || !body) return true;
-    ScriptFunction* function = findFunction(movie, *name.get());
+    ScriptFunction* function = name->function;
     if (!function) function = addFunction(movie, name);
     if (!function) return true;
     // Lists that run the old code keep it.

@@ -77,9 +77,9 @@ std::string_view textOf(ContentReader& operands) {
 
 bool Interpreter::run() {
     while (!scripts_.returned && list_.at < code().size()) {
-        if (scripts_.actionsLeft == 0) scripts_.failure = Result::outOfMemory;
+        if (scripts_.memory.actionsLeft == 0) scripts_.failure = Result::outOfMemory;
         if (ended()) return true;
-        --scripts_.actionsLeft;
+        --scripts_.memory.actionsLeft;
         ContentReader reader(code().subspan(list_.at));
         const std::uint8_t action = reader.u8();
         if (Action{action} == Action::end) return true;
@@ -364,7 +364,7 @@ bool Interpreter::performVariables(Action action, ContentReader& operands) {
         case Action::setVariable:
         case Action::defineLocal: {
             Value value = pop(movie_);
-            const TextHold name = nameOf(movie_, pop(movie_));
+            const Name name = nameOf(movie_, pop(movie_));
             if (action == Action::setVariable)
                 setVariable(movie_, name, std::move(value));
             else

@@ -33,7 +33,7 @@ Result outcomeOf(const ScriptContext& scripts) {
 Result beginScripts(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
     const auto define = [&](std::string_view name, Value value) {
-        storeVariable(movie, scripts.variables, makeText(scripts.memory, name), std::move(value));
+        storeVariable(movie, scripts.variables, makeName(scripts.memory, name), std::move(value));
     };
     define("Infinity", Value::constant(ValueType::infinity));
     define("NaN", Value::constant(ValueType::notANumber));
@@ -74,7 +74,7 @@ void runLevel(Movie& movie) {
 
 Result runQueue(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
-    scripts.actionsLeft = ScriptContext::mostActions;
+    scripts.memory.actionsLeft = ScriptContext::mostActions;
     scripts.level = 1;
     Result result = Result::done;
     while (scripts.level != 0 && !failed(result)) {
@@ -103,7 +103,7 @@ Result runAndDraw(Movie& movie, ScriptRun run) {
 
 Result initScripts(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
-    scripts.memory = {.charged = &movie.pool, .uncharged = &movie.heap};
+    scripts.memory = {.charged = &movie.pool, .uncharged = &movie.heap, .names = &scripts.nameTable};
     scripts.objects.memory = &scripts.memory;
     const auto make = [&](ScriptObject& object, ObjectClass kind, std::string_view name) {
         object.kind = kind;

@@ -17,8 +17,8 @@ namespace {
 // --- arrays
 
 std::int32_t lengthOf(ScriptMemory& memory, const ScriptObject& array) {
-    const TextHold name = makeText(memory, "length");
-    const Value* length = name ? propertyOf(array, *name.get()) : nullptr;
+    const Name name = makeName(memory, "length");
+    const Value* length = name ? propertyOf(array, name) : nullptr;
     return length ? toInt32(numericValue(*length)) : 0;
 }
 
@@ -26,13 +26,11 @@ void setLength(ScriptMemory& memory, ScriptObject& array, double length) {
     setPropertyValue(memory, array, "length", Value::number(memory, length));
 }
 
-TextHold keyOf(ScriptMemory& memory, std::int32_t index) { return makeText(memory, formatInteger(index).view()); }
-
 Value pushElement(const MethodCall& call, ScriptObject& array) {
     if (call.arguments.empty()) return {};
     ScriptMemory& memory = call.movie.scripts.memory;
     const std::int32_t length = lengthOf(memory, array);
-    setPropertyValue(memory, array, keyOf(memory, length), call.arguments[0].copy());
+    setPropertyValue(memory, array, indexName(memory, length), call.arguments[0].copy());
     setLength(memory, array, length + 1.0);
     return Value::number(memory, length + 1.0);
 }
@@ -41,15 +39,15 @@ Value popElement(const MethodCall& call, ScriptObject& array) {
     ScriptMemory& memory = call.movie.scripts.memory;
     const std::int32_t length = lengthOf(memory, array);
     if (length < 1) return {};
-    const TextHold key = keyOf(memory, length - 1);
-    Variable* element = key ? array.properties.find(*key.get()) : nullptr;
+    const Name key = indexName(memory, length - 1);
+    Variable* element = key ? array.properties.find(key) : nullptr;
     Value value;
     if (element) std::swap(value, element->value);
     setLength(memory, array, length - 1.0);
     return value;
 }
 
-bool isLength(const TextHold& name) { return name.view() == "length"; }
+bool isLength(const Name& name) { return name->known == KnownName::length; }
 
 Value concatArrays(const MethodCall& call, ScriptObject& array) {
     ScriptMemory& memory = call.movie.scripts.memory;
@@ -63,24 +61,23 @@ Value concatArrays(const MethodCall& call, ScriptObject& array) {
     for (Value& argument : call.arguments) {
         const bool isArray = argument.is(ValueType::object) && argument.asObject().kind == ObjectClass::array;
         if (!isArray) {
-            setPropertyValue(memory, *made, keyOf(memory, next++), std::move(argument));
+            setPropertyValue(memory, *made, indexName(memory, next++), std::move(argument));
             continue;
         }
         VariableList& elements = argument.asObject().properties;
         spend(call.movie.scripts, elements.size());
         for (std::uint32_t i = 0; i < elements.size() && !memory.exhausted; ++i)
             if (!isLength(elements[i].name))
-                setPropertyValue(memory, *made, keyOf(memory, next++), elements[i].value.copy());
+                setPropertyValue(memory, *made, indexName(memory, next++), elements[i].value.copy());
     }
     setLength(memory, *made, next);
     return result;
 }
 
 Value callArrayMethod(const MethodCall& call, ScriptObject& array) {
-    const std::string_view name = call.name.view();
-    if (name == "push") return pushElement(call, array);
-    if (name == "pop") return popElement(call, array);
-    if (name == "concat") return concatArrays(call, array);
+    if (call.name->known == KnownName::push) return pushElement(call, array);
+    if (call.name->known == KnownName::pop) return popElement(call, array);
+    if (call.name.view() == "concat") return concatArrays(call, array);
     return {};
 }
 
@@ -88,8 +85,8 @@ Value callArrayMethod(const MethodCall& call, ScriptObject& array) {
 
 Value numberText(const MethodCall& call, const ScriptObject& object) {
     ScriptMemory& memory = call.movie.scripts.memory;
-    const TextHold name = makeText(memory, "value");
-    const Value* value = name ? propertyOf(object, *name.get()) : nullptr;
+    const Name name = makeName(memory, "value");
+    const Value* value = name ? propertyOf(object, name) : nullptr;
     const double whole = value ? truncated(numericValue(*value)) : 0;
     const double radix = call.arguments.empty() ? 10 : truncated(numericValue(call.arguments[0]));
     constexpr int hexadecimal = 16, binary = 2;
@@ -125,7 +122,7 @@ Value numberMember(ScriptMemory& memory, std::string_view name) {
 
 Value objectMember(Movie& movie, const ScriptObject& object, const Value& name) {
     ScriptMemory& memory = movie.scripts.memory;
-    const TextHold key = nameOf(movie, name);
+    const Name key = nameOf(movie, name);
     if (!key) return {};
     switch (object.kind) {
         case ObjectClass::math: {
@@ -133,18 +130,18 @@ Value objectMember(Movie& movie, const ScriptObject& object, const Value& name) 
             return number ? Value::number(memory, *number) : Value();
         }
         case ObjectClass::number:
-            if (&object == &movie.scripts.number || !propertyOf(object, *key.get()))
+            if (&object == &movie.scripts.number || !propertyOf(object, key))
                 return numberMember(memory, key.view());
             break;
         case ObjectClass::key: return {};
         default: break;
     }
-    const Value* property = propertyOf(object, *key.get());
+    const Value* property = propertyOf(object, key);
     return property ? property->copy() : Value();
 }
 
 // An array grows to hold a new index.
-void growArray(ScriptMemory& memory, ScriptObject& array, const TextHold& name) {
+void growArray(ScriptMemory& memory, ScriptObject& array, const Name& name) {
     if (array.className.view() != "Array" || isLength(name)) return;
     const std::optional<double> number = parseNumber(name.view());
     if (!number || formatInteger(toInt32(*number)).view() != name.view()) return;
@@ -160,7 +157,7 @@ Value makeArray(Movie& movie, Arguments elements) {
     if (!made) return {};
     Value array = Value::object(*made);
     std::int32_t index = 0;
-    for (Value& element : elements) setPropertyValue(memory, *made, keyOf(memory, index++), std::move(element));
+    for (Value& element : elements) setPropertyValue(memory, *made, indexName(memory, index++), std::move(element));
     setLength(memory, *made, index);
     return array;
 }
@@ -191,7 +188,7 @@ const Value* userMethod(const MethodCall& call) {
     if (!call.object.is(ValueType::object) || call.name.view() == "toString") return nullptr;
     const ScriptObject& object = call.object.asObject();
     if (object.kind != ObjectClass::plain && object.kind != ObjectClass::prototype) return nullptr;
-    const Value* method = propertyOf(object, *call.name.get());
+    const Value* method = propertyOf(object, call.name);
     return method ? method : &none;
 }
 
@@ -233,7 +230,7 @@ Value getMember(Movie& movie, const Value& object, const Value& name) {
 
 void setMember(Movie& movie, const Value& object, const Value& name, Value value) {
     if (!object.is(ValueType::clip) && !object.is(ValueType::object)) return;
-    const TextHold key = nameOf(movie, name);
+    const Name key = nameOf(movie, name);
     if (!key) return;
     if (object.is(ValueType::clip)) return setClipMember(movie, Target(object.asAnchor()), key, std::move(value));
     setPropertyValue(movie.scripts.memory, object.asObject(), key, std::move(value));

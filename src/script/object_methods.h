@@ -8,7 +8,7 @@ namespace qel {
 struct MethodCall {
     Movie& movie;
     const Value& object;
-    const TextHold& name;
+    const Name& name;
     Arguments arguments;
 };
 

@@ -11,16 +11,16 @@ namespace {
 struct Reference {
     enum class Where : std::uint8_t { scope, clip, nowhere } where = Where::scope;
     ClipInstance* clip = nullptr;
-    TextHold name;
+    Name name;
 };
 
-Reference referenceOf(Movie& movie, const TextHold& name) {
+Reference referenceOf(Movie& movie, const Name& name) {
+    if (!name->hasColon) return {.name = name};
     const std::string_view text = name.view();
     const std::size_t colon = text.find(':');
-    if (colon == std::string_view::npos) return {.name = name};
     const std::string_view path = text.substr(0, colon);
     spendText(movie.scripts, text.size());
-    Reference reference{.name = makeText(movie.scripts.memory, text.substr(colon + 1))};
+    Reference reference{.name = makeName(movie.scripts.memory, text.substr(colon + 1))};
     reference.clip = resolveTarget(movie, path);
     if (reference.clip)
         reference.where = Reference::Where::clip;
@@ -43,7 +43,7 @@ VariableList* targetList(Movie& movie) {
 
 Variable* find(Movie& movie, const Reference& reference) {
     if (!reference.name || reference.where == Reference::Where::nowhere) return nullptr;
-    const Text& name = *reference.name.get();
+    const Name& name = reference.name;
     if (reference.where == Reference::Where::clip) return reference.clip->variables.find(name);
     VariableList* const lists[] = {localsOf(movie), targetList(movie), &movie.scripts.variables};
     for (VariableList* list : lists)
@@ -51,25 +51,28 @@ Variable* find(Movie& movie, const Reference& reference) {
     return nullptr;
 }
 
-Value special(Movie& movie, std::string_view name, bool& known) {
+// What stands for itself, whatever variables there are.
+Value special(Movie& movie, KnownName name, bool& known) {
     ScriptContext& scripts = movie.scripts;
     known = true;
-    if (name == "this") {
-        const ActionList* list = runningList(movie);
-        if (list && !list->thisObject.is(ValueType::undefined)) return list->thisObject.copy();
-        return targetValue(movie, scripts.target);
+    switch (name) {
+        case KnownName::self: {
+            const ActionList* list = runningList(movie);
+            if (list && !list->thisObject.is(ValueType::undefined)) return list->thisObject.copy();
+            return targetValue(movie, scripts.target);
+        }
+        case KnownName::root:
+        case KnownName::level0: return clipValue(movie, nullptr);
+        case KnownName::parent: {
+            const ClipInstance* clip = scripts.target.clip();
+            return clip ? clipValue(movie, clipAround(*clip)) : Value();
+        }
+        case KnownName::math: return Value::object(scripts.math);
+        case KnownName::string: return Value::object(scripts.string);
+        case KnownName::number: return Value::object(scripts.number);
+        case KnownName::key: return Value::object(scripts.key);
+        default: known = false; return {};
     }
-    if (name == "_root" || name == "_level0") return clipValue(movie, nullptr);
-    if (name == "_parent") {
-        const ClipInstance* clip = scripts.target.clip();
-        return clip ? clipValue(movie, clipAround(*clip)) : Value();
-    }
-    if (name == "Math") return Value::object(scripts.math);
-    if (name == "String") return Value::object(scripts.string);
-    if (name == "Number") return Value::object(scripts.number);
-    if (name == "Key") return Value::object(scripts.key);
-    known = false;
-    return {};
 }
 
 // The old value is let go of when the new one stands, as the device counts uses.
@@ -96,31 +99,31 @@ Value clipValue(Movie& movie, ClipInstance* clip) {
 
 Value targetValue(Movie& movie, const Target& target) { return Value::clip(movie.scripts.memory, target.anchor()); }
 
-Value getVariable(Movie& movie, const TextHold& name) {
+Value getVariable(Movie& movie, const Name& name) {
     if (!name) return {};
     const Reference reference = referenceOf(movie, name);
     if (!reference.name || reference.where == Reference::Where::nowhere) return {};
     const bool inScope = reference.where == Reference::Where::scope;
     if (inScope) {
         bool known = false;
-        Value value = special(movie, reference.name.view(), known);
+        Value value = special(movie, reference.name->known, known);
         if (known) return value;
     }
     if (const Variable* variable = find(movie, reference)) return variable->value.copy();
     if (!inScope) return {};
-    if (ScriptFunction* function = findFunction(movie, *reference.name.get())) return Value::function(*function);
+    if (ScriptFunction* function = reference.name->function) return Value::function(*function);
     const Target& target = movie.scripts.target;
     if (target.isGone()) return {};
     ClipInstance* child = childClip(movie, target.clip(), reference.name.view());
     return child ? clipValue(movie, child) : Value();
 }
 
-const Value* findVariable(Movie& movie, const TextHold& name) {
+const Value* findVariable(Movie& movie, const Name& name) {
     const Variable* variable = find(movie, referenceOf(movie, name));
     return variable ? &variable->value : nullptr;
 }
 
-void setVariable(Movie& movie, const TextHold& name, Value value) {
+void setVariable(Movie& movie, const Name& name, Value value) {
     if (!name) return;
     const Reference reference = referenceOf(movie, name);
     if (reference.where == Reference::Where::nowhere) return;
@@ -129,7 +132,7 @@ void setVariable(Movie& movie, const TextHold& name, Value value) {
     if (list) storeVariable(movie, *list, reference.name, std::move(value));
 }
 
-void defineLocal(Movie& movie, const TextHold& name, Value value) {
+void defineLocal(Movie& movie, const Name& name, Value value) {
     if (!name) return;
     const Reference reference = referenceOf(movie, name);
     if (reference.where == Reference::Where::nowhere) return;
@@ -142,24 +145,15 @@ void defineLocal(Movie& movie, const TextHold& name, Value value) {
     std::swap(variable->value, value);  // the device does not count that the old one goes
 }
 
-void deleteVariable(Movie& movie, const TextHold& name) {
+void deleteVariable(Movie& movie, const Name& name) {
     if (!name) return;
     Variable* variable = find(movie, referenceOf(movie, name));
     if (variable) replace(*variable, Value());
 }
 
-void storeVariable(Movie& movie, VariableList& list, const TextHold& name, Value value) {
+void storeVariable(Movie& movie, VariableList& list, const Name& name, Value value) {
     Variable* variable = list.findOrAdd(movie.scripts.memory, name);
     if (variable) replace(*variable, std::move(value));
-}
-
-ScriptFunction* findFunction(Movie& movie, const Text& name) {
-    constexpr std::size_t comparedAtOnce = 8;
-    std::size_t compared = 0;
-    ScriptFunction* function = movie.scripts.firstFunction;
-    for (; function && !sameName(*function->name.get(), name); function = function->next) ++compared;
-    spend(movie.scripts, compared / comparedAtOnce);
-    return function;
 }
 
 }  // namespace qel

@@ -16,18 +16,17 @@ Value targetValue(Movie& movie, const Target& target);
 
 // What a name stands for: `this`, `_root` and the like, a variable, a function, a clip. A path may stand in front of
 // it, behind which ":" follows. `undefined` where there is nothing.
-Value getVariable(Movie& movie, const TextHold& name);
+Value getVariable(Movie& movie, const Name& name);
 
 // Without the special names, functions and clips: the variable, or null.
-const Value* findVariable(Movie& movie, const TextHold& name);
+const Value* findVariable(Movie& movie, const Name& name);
 
-void setVariable(Movie& movie, const TextHold& name, Value value);
-void defineLocal(Movie& movie, const TextHold& name, Value value);
-void deleteVariable(Movie& movie, const TextHold& name);
+void setVariable(Movie& movie, const Name& name, Value value);
+void defineLocal(Movie& movie, const Name& name, Value value);
+void deleteVariable(Movie& movie, const Name& name);
 
 // Stores a value in the variable of a list, making it where it is missing.
-void storeVariable(Movie& movie, VariableList& list, const TextHold& name, Value value);
+void storeVariable(Movie& movie, VariableList& list, const Name& name, Value value);
 
-ScriptFunction* findFunction(Movie& movie, const Text& name);
 
 }  // namespace qel

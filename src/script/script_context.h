@@ -45,6 +45,7 @@ struct ScriptContext {
     PoolArray<LabelEntry> labels;
 
     ScriptMemory memory;
+    NameTable nameTable;
     ObjectTable objects;
     ScriptObject math, string, number, key;  // reached by name, never freed
     ScriptFunction* firstFunction = nullptr;
@@ -58,7 +59,6 @@ struct ScriptContext {
     // The run.
     std::array<ActionLevel, mostLevels> levels;
     std::uint32_t level = 0;  // 0: nothing runs; levels are counted from 1
-    std::uint32_t actionsLeft = 0;
     bool frameRun = false;          // the run behind a frame, not the one behind the keys
     bool returned = false;          // the list ends with its action Return
     Result failure = Result::done;  // what the run ends with

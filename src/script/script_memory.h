@@ -1,14 +1,18 @@
-// What script values are charged to, and whether it is used up: the first request that the budget refuses marks the run
-// as failed, and everything that happens until the run notices is harmless.
+// What script values are charged to, what a run may still use, and whether either is used up: the first request that
+// the budget refuses marks the run as failed, and everything that happens until the run notices is harmless.
 #pragma once
 
 #include "movie/pool.h"
 
 namespace qel {
 
+struct NameTable;
+
 struct alignas(16) ScriptMemory {
     Pool* charged = nullptr;    // the movie's budget: what the device's values take
     Pool* uncharged = nullptr;  // what this machine's representation takes
+    NameTable* names = nullptr;
+    std::uint32_t actionsLeft = 0;  // of the run
     bool exhausted = false;
 
     // Charges the device's bytes of a value.
@@ -17,6 +21,11 @@ struct alignas(16) ScriptMemory {
         return !exhausted;
     }
     void giveBack(std::uint32_t bytes) { giveBackCharge(*charged, bytes); }
+
+    // Counts work that grows with what an action is given as so many more actions: long texts, many values.
+    void spend(std::size_t work) {
+        actionsLeft = work < actionsLeft ? actionsLeft - static_cast<std::uint32_t>(work) : 0;
+    }
 };
 
 }  // namespace qel

@@ -105,12 +105,12 @@ void dropUse(const Value& value) {
     object.slot = ScriptObject::noSlot;
 }
 
-const Value* propertyOf(const ScriptObject& object, const Text& name) {
+const Value* propertyOf(const ScriptObject& object, const Name& name) {
     const Variable* property = object.properties.find(name);
     return property ? &property->value : nullptr;
 }
 
-bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, const TextHold& name, Value value) {
+bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, const Name& name, Value value) {
     Variable* property = object.properties.findOrAdd(memory, name);
     if (!property) return false;
     addUse(value);
@@ -119,7 +119,7 @@ bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, const TextHold
 }
 
 bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, std::string_view name, Value value) {
-    return setPropertyValue(memory, object, makeText(memory, name), std::move(value));
+    return setPropertyValue(memory, object, makeName(memory, name), std::move(value));
 }
 
 }  // namespace qel

@@ -69,8 +69,8 @@ void addUse(const Value& value);
 void dropUse(const Value& value);
 
 // A property, or null.
-const Value* propertyOf(const ScriptObject& object, const Text& name);
-bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, const TextHold& name, Value value);
+const Value* propertyOf(const ScriptObject& object, const Name& name);
+bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, const Name& name, Value value);
 bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, std::string_view name, Value value);
 
 // What references to a clip share. The clip lets go of it when it is freed.

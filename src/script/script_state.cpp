@@ -16,6 +16,7 @@ void forgetEverything(ScriptContext& scripts) {
     for (Value& value : scripts.registers) value = Value();
     scripts.variables.clear();
     for (ScriptFunction* function = scripts.firstFunction; function; function = function->next) {
+        function->name->function = nullptr;
         function->locals.clear();
         function->prototype.properties.clear();
         function->constants = {};

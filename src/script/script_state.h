@@ -9,7 +9,7 @@ namespace qel {
 
 // Counts work that grows with what an action is given as so many more actions: long texts, many values, long lists.
 inline void spend(ScriptContext& scripts, std::size_t work) {
-    scripts.actionsLeft = work < scripts.actionsLeft ? scripts.actionsLeft - static_cast<std::uint32_t>(work) : 0;
+    scripts.memory.spend(work);
 }
 inline void spendText(ScriptContext& scripts, std::size_t bytes) { spend(scripts, bytes / 64); }
 

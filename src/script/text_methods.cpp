@@ -77,7 +77,6 @@ Value withCase(const MethodCall& call, std::string_view text, char from, char to
         char& c = copy.get()->bytes[i];
         if (c >= from && c <= to) c = static_cast<char>(c + by);
     }
-    copy.get()->hash = hashOf(copy.view());
     return Value::text(call.movie.scripts.memory, std::move(copy));
 }
 

@@ -60,7 +60,7 @@ void Value::release() {
         case ValueType::text: {
             Text& text = asText();
             memory().giveBack(textCharge(text));
-            if (--text.holders == 0) freeBlock(*text.memory->uncharged, &text);
+            if (--text.holders == 0) freeText(text);
             break;
         }
         case ValueType::clip:

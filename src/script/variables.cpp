@@ -10,26 +10,32 @@ constexpr std::uint32_t mostUnindexed = 8;
 
 std::uint32_t nameCharge(const Text& name) { return name.length + 1; }
 
+// Where the search for a name begins. Content has no say in it, so it cannot make all names meet.
+std::uint32_t placeOf(const Name& name) {
+    const auto address = reinterpret_cast<std::uintptr_t>(&*name);
+    return static_cast<std::uint32_t>(address >> 5 ^ address >> 13);
+}
+
 }  // namespace
 
-Variable* VariableList::find(const Text& name) {
+Variable* VariableList::find(const Name& name) {
     if (slots_.empty()) {
         for (Variable& variable : variables_)
-            if (sameName(*variable.name.get(), name)) return &variable;
+            if (variable.name == name) return &variable;
         return nullptr;
     }
     const std::uint32_t mask = slots_.size() - 1;
-    for (std::uint32_t slot = name.hash & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
+    for (std::uint32_t slot = placeOf(name) & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
         Variable& variable = variables_[slots_[slot] - 1];
-        if (sameName(*variable.name.get(), name)) return &variable;
+        if (variable.name == name) return &variable;
     }
     return nullptr;
 }
 
-Variable* VariableList::add(ScriptMemory& memory, const TextHold& name) {
+Variable* VariableList::add(ScriptMemory& memory, const Name& name) {
     memory_ = &memory;
     if (!name || !memory.take(nodeCharge)) return nullptr;
-    if (!memory.take(nameCharge(*name.get()))) {
+    if (!memory.take(nameCharge(*name))) {
         memory.giveBack(nodeCharge);
         return nullptr;
     }
@@ -37,7 +43,7 @@ Variable* VariableList::add(ScriptMemory& memory, const TextHold& name) {
     variable.name = name;
     if (failed(variables_.append(*memory.uncharged, std::move(variable)))) {
         memory.giveBack(nodeCharge);
-        memory.giveBack(nameCharge(*name.get()));
+        memory.giveBack(nameCharge(*name));
         memory.exhausted = true;
         return nullptr;
     }
@@ -50,14 +56,14 @@ Variable* VariableList::add(ScriptMemory& memory, const TextHold& name) {
     return &variables_.back();
 }
 
-Variable* VariableList::findOrAdd(ScriptMemory& memory, const TextHold& name) {
-    Variable* found = name ? find(*name.get()) : nullptr;
+Variable* VariableList::findOrAdd(ScriptMemory& memory, const Name& name) {
+    Variable* found = name ? find(name) : nullptr;
     return found ? found : add(memory, name);
 }
 
 void VariableList::enter(std::uint32_t at) {
     const std::uint32_t mask = slots_.size() - 1;
-    std::uint32_t slot = variables_[at].name->hash & mask;
+    std::uint32_t slot = placeOf(variables_[at].name) & mask;
     while (slots_[slot] != 0) slot = (slot + 1) & mask;
     slots_[slot] = at + 1;
 }
@@ -73,7 +79,7 @@ bool VariableList::index() {
 void VariableList::clear() {
     for (const Variable& variable : variables_) {
         memory_->giveBack(nodeCharge);
-        memory_->giveBack(nameCharge(*variable.name.get()));
+        memory_->giveBack(nameCharge(*variable.name));
     }
     variables_.clear();
     slots_.clear();

@@ -1,16 +1,17 @@
 // Variables and properties: names with values, in the order in which they came.
 #pragma once
 
+#include "script/name.h"
 #include "script/value.h"
 
 namespace qel {
 
 struct Variable {
-    TextHold name;
+    Name name;
     Value value;
 };
 
-// Few are searched one by one, many by the hashes of their names. Each is charged as the device's node with its own
+// Few are searched one by one, many by where their names lie. Each is charged as the device's node with its own
 // copy of the name. Nothing is ever taken out.
 class VariableList {
   public:
@@ -18,12 +19,12 @@ class VariableList {
     VariableList(const VariableList&) = delete;
     ~VariableList() { clear(); }
 
-    Variable* find(const Text& name);
-    const Variable* find(const Text& name) const { return const_cast<VariableList*>(this)->find(name); }
+    Variable* find(const Name& name);
+    const Variable* find(const Name& name) const { return const_cast<VariableList*>(this)->find(name); }
 
     // A new one, with `undefined`. Null when memory is exhausted.
-    Variable* add(ScriptMemory& memory, const TextHold& name);
-    Variable* findOrAdd(ScriptMemory& memory, const TextHold& name);
+    Variable* add(ScriptMemory& memory, const Name& name);
+    Variable* findOrAdd(ScriptMemory& memory, const Name& name);
 
     void clear();
     std::uint32_t size() const { return variables_.size(); }
@@ -35,7 +36,7 @@ class VariableList {
 
     ScriptMemory* memory_ = nullptr;
     PoolArray<Variable> variables_;
-    PoolArray<std::uint32_t> slots_;  // by hash: an index plus 1, or 0; twice as many as variables at least
+    PoolArray<std::uint32_t> slots_;  // by name: an index plus 1, or 0; twice as many as variables at least
 };
 
 template <>

@@ -16,7 +16,7 @@ using author::actions;
 using author::place;
 using Write = void (*)(ActionWriter&);
 
-Value variable(Movie& movie, std::string_view name) { return getVariable(movie, makeText(movie.scripts.memory, name)); }
+Value variable(Movie& movie, std::string_view name) { return getVariable(movie, makeName(movie.scripts.memory, name)); }
 
 std::string textOf(Movie& movie, std::string_view name) {
     const Value value = variable(movie, name);
