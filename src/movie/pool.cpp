@@ -8,8 +8,6 @@
 namespace qel {
 namespace {
 
-constexpr std::uint32_t blockHeaderCharge = 4;
-
 // What lies in front of every block here.
 struct alignas(std::max_align_t) BlockHeader {
     std::uint32_t charged;
@@ -28,7 +26,7 @@ void* allocateOrPurge(Pool& pool, std::size_t size, std::uint32_t charged) {
 // Whether the budget allows a block, where need be once something else was given back.
 bool fitsBudget(Pool& pool, std::uint32_t charged) {
     if (std::uint64_t{pool.inUse} + charged < pool.budget) return true;
-    return pool.purge && pool.purge(pool.purgeContext, charged);
+    return makeRoom(pool, charged);
 }
 
 void take(Pool& pool, std::uint32_t charged) {
@@ -47,13 +45,7 @@ void* allocateBlock(Pool& pool, std::size_t size, std::uint32_t charged) {
     return header + 1;
 }
 
-bool chargeOnly(Pool& pool, std::uint32_t charge) {
-    if (!fitsBudget(pool, charge)) return false;
-    take(pool, charge + blockHeaderCharge);
-    return true;
-}
-
-void giveBackCharge(Pool& pool, std::uint32_t charge) { pool.inUse -= charge + blockHeaderCharge; }
+bool makeRoom(Pool& pool, std::uint32_t charge) { return pool.purge && pool.purge(pool.purgeContext, charge); }
 
 void freeBlock(Pool& pool, void* block) {
     if (!block) return;

@@ -18,6 +18,8 @@ namespace qel {
 
 struct PlayerInstance;
 
+inline constexpr std::uint32_t blockHeaderCharge = 4;
+
 struct Pool {
     static constexpr std::uint32_t unlimited = std::numeric_limits<std::uint32_t>::max();
 
@@ -37,8 +39,14 @@ void freeBlock(Pool& pool, void* block);  // null is allowed
 
 // Charges a block that the device would have and this machine has not, its header included. False when the budget
 // refuses it.
-bool chargeOnly(Pool& pool, std::uint32_t charge);
-void giveBackCharge(Pool& pool, std::uint32_t charge);
+bool makeRoom(Pool& pool, std::uint32_t charge);  // by giving something else back
+inline bool chargeOnly(Pool& pool, std::uint32_t charge) {
+    if (std::uint64_t{pool.inUse} + charge >= pool.budget && !makeRoom(pool, charge)) return false;
+    pool.inUse += charge + blockHeaderCharge;
+    if (pool.inUse > pool.peak) pool.peak = pool.inUse;
+    return true;
+}
+inline void giveBackCharge(Pool& pool, std::uint32_t charge) { pool.inUse -= charge + blockHeaderCharge; }
 
 struct PoolDelete {
     Pool* pool = nullptr;
@@ -86,6 +94,7 @@ class PoolArray {
 
     std::uint32_t size() const { return size_; }
     bool empty() const { return size_ == 0; }
+    std::uint32_t capacity() const { return capacity_; }
     T* begin() { return data_; }
     T* end() { return data_ + size_; }
     const T* begin() const { return data_; }

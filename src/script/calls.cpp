@@ -1,10 +1,11 @@
 #include "script/calls.h"
 
+#include <algorithm>
+
 #include "format/frame_items.h"
 #include "movie/content_reader.h"
 #include "movie/movie.h"
 #include "player/engine_services.h"
-#include "script/clip_object.h"
 #include "script/conversions.h"
 #include "script/frame_navigation.h"
 #include "script/list_queue.h"
@@ -21,7 +22,7 @@ namespace {
 Called openCall(Movie& movie, ScriptFunction& function, Arguments arguments, ListKind kind, Value thisObject) {
     ScriptContext& scripts = movie.scripts;
     if (scripts.level >= ScriptContext::mostLevels) {
-        scripts.failure = Result::outOfMemory;
+        failRun(scripts, Result::outOfMemory);
         return Called::answered;
     }
     spend(scripts, function.parameters.size());
@@ -32,7 +33,7 @@ Called openCall(Movie& movie, ScriptFunction& function, Arguments arguments, Lis
         addUse(value);
         std::swap(local->value, value);
     }
-    PoolPtr<ActionList> list = makeList(movie, function.code, scripts.target);
+    PoolPtr<ActionList> list = makeList(movie, function.code, CodeOwner::function, scripts.target);
     if (!list) return Called::answered;
     list->function = &function;
     list->kind = kind;
@@ -45,6 +46,16 @@ Called openCall(Movie& movie, ScriptFunction& function, Arguments arguments, Lis
 Called give(Movie& movie, Value result) {
     push(movie, std::move(result));
     return Called::answered;
+}
+
+// Opens a level with a constructor. The new object has what the function's prototype has, before the code runs.
+Called construct(Movie& movie, ScriptFunction& function, Arguments arguments, const Value& object) {
+    const Called called = openCall(movie, function, arguments, ListKind::constructor, object.copy());
+    VariableList& prototype = function.prototype.properties;
+    spend(movie.scripts, prototype.size());
+    for (std::uint32_t i = 0; called == Called::opened && i < prototype.size(); ++i)
+        setPropertyValue(movie.scripts.memory, object.asObject(), prototype[i].name, prototype[i].value.copy());
+    return called;
 }
 
 // The bytes of a called block: part of a sprite's timeline, or of the content.
@@ -64,7 +75,7 @@ bool readBlock(Movie& movie, std::uint32_t frame, PoolArray<std::uint8_t>& bytes
         if (block.id != frame) continue;
         if (failed(bytes.assignZeros(pool, block.length))) return false;
         if (readContent(*movie.player, block.offset, bytes.span())) return true;
-        movie.scripts.failure = Result::badContent;
+        failRun(movie.scripts, Result::badContent);
         return false;
     }
     return true;
@@ -78,7 +89,7 @@ void queueItems(Movie& movie, ContentReader items, PoolArray<PoolPtr<ActionList>
         if (length == longItemLength) length = items.littleEndian(itemLengthBytes(type));
         const std::span<const std::uint8_t> code = items.take(length);
         if (!items.ok()) return;
-        PoolPtr<ActionList> list = makeList(movie, copyCode(movie, code), movie.scripts.target);
+        PoolPtr<ActionList> list = makeList(movie, shareCode(movie, code), CodeOwner::list, movie.scripts.target);
         if (!list || failed(lists.append(*movie.scripts.memory.uncharged, std::move(list)))) {
             movie.scripts.memory.exhausted = true;
             return;
@@ -88,80 +99,74 @@ void queueItems(Movie& movie, ContentReader items, PoolArray<PoolPtr<ActionList>
 
 }  // namespace
 
-void push(Movie& movie, Value value) {
-    ScriptContext& scripts = movie.scripts;
-    if (failed(scripts.stack.append(*scripts.memory.charged, std::move(value)))) scripts.memory.exhausted = true;
-}
+void push(Movie& movie, Value value) { movie.scripts.stack.push(std::move(value)); }
+Value pop(Movie& movie) { return movie.scripts.stack.pop(); }
 
-Value pop(Movie& movie) {
-    PoolArray<Value>& stack = movie.scripts.stack;
-    if (stack.empty()) return {};
-    Value value = std::move(stack.back());
-    stack.truncate(stack.size() - 1);
-    return value;
-}
-
-PoolArray<Value> popArguments(Movie& movie) {
-    ScriptContext& scripts = movie.scripts;
-    const std::uint32_t count = toUint16(numericValue(pop(movie)));
-    spend(scripts, count);
-    PoolArray<Value> arguments;
-    if (failed(arguments.reserve(*scripts.memory.uncharged, count))) {
-        scripts.memory.exhausted = true;
-        return arguments;
+CallArguments::CallArguments(Movie& movie) : stack_(movie.scripts.stack) {
+    ScriptMemory& memory = movie.scripts.memory;
+    const std::uint32_t count = toUint16(numericValue(stack_.pop()));
+    if (count <= stack_.size()) {
+        onStack_ = count;
+        values_ = stack_.topmost(count);
+        std::ranges::reverse(values_);
+        return;
     }
-    for (std::uint32_t i = 0; i < count; ++i) arguments.appendReserved(pop(movie));
-    return arguments;
+    memory.spend(count);
+    if (failed(elsewhere_.reserve(*memory.uncharged, count))) {
+        memory.exhausted = true;
+        return;
+    }
+    for (std::uint32_t i = 0; i < count; ++i) elsewhere_.appendReserved(stack_.pop());
+    values_ = elsewhere_.span();
 }
 
-Called callFunction(Movie& movie) {
-    const Name name = nameOf(movie, pop(movie));
-    PoolArray<Value> arguments = popArguments(movie);
-    if (!name) return Called::answered;
+CallArguments::~CallArguments() { stack_.drop(onStack_); }
+
+Called callFunction(Movie& movie, const Name& name) {
     Value result;
-    if (callNative(movie, *name, arguments.span(), result)) return give(movie, std::move(result));
-    ScriptFunction* function = name->function;
-    if (!function) return give(movie, {});
-    return openCall(movie, *function, arguments.span(), ListKind::call, {});
+    {
+        CallArguments arguments(movie);
+        if (!callNative(movie, *name, arguments.values(), result) && name->function)
+            return openCall(movie, *name->function, arguments.values(), ListKind::call, {});
+    }
+    return give(movie, std::move(result));
 }
 
-Called callMethod(Movie& movie) {
-    const Name name = nameOf(movie, pop(movie));
+Called callMethod(Movie& movie, const Name& name) {
     const Value object = pop(movie);
-    PoolArray<Value> arguments = popArguments(movie);
-    if (!name) return Called::answered;
-    const MethodCall call{movie, object, name, arguments.span()};
-    if (const Value* method = userMethod(call)) {
-        if (!method->is(ValueType::function)) return give(movie, {});
-        return openCall(movie, method->asFunction(), arguments.span(), ListKind::method, object.copy());
+    Value result;
+    {
+        CallArguments arguments(movie);
+        const MethodCall call{movie, object, name, arguments.values()};
+        const Value* method = userMethod(call);
+        if (method && method->is(ValueType::function))
+            return openCall(movie, method->asFunction(), arguments.values(), ListKind::method, object.copy());
+        if (!method) result = callBuiltIn(call);
     }
-    return give(movie, callBuiltIn(call));
+    return give(movie, std::move(result));
 }
 
 Called newObjectOf(Movie& movie) {
     const Name name = nameOf(movie, pop(movie));
-    PoolArray<Value> arguments = popArguments(movie);
     if (!name) return Called::answered;
-    Value built;
-    if (constructBuiltIn(movie, name.view(), arguments.span(), built)) return give(movie, std::move(built));
-    ScriptObject* made = newObject(movie.scripts.objects, name.view());
-    if (!made) return Called::answered;
-    Value object = Value::object(*made);
-    ScriptFunction* constructor = name->function;
-    if (!constructor) return give(movie, std::move(object));
-    const Called called = openCall(movie, *constructor, arguments.span(), ListKind::constructor, object.copy());
-    VariableList& prototype = constructor->prototype.properties;
-    spend(movie.scripts, prototype.size());
-    for (std::uint32_t i = 0; called == Called::opened && i < prototype.size(); ++i)
-        setPropertyValue(movie.scripts.memory, *made, prototype[i].name, prototype[i].value.copy());
-    return called;
+    Value made;
+    {
+        CallArguments arguments(movie);
+        if (!constructBuiltIn(movie, name.view(), arguments.values(), made)) {
+            ScriptObject* object = newObject(movie.scripts.objects, name.view());
+            if (!object) return Called::answered;
+            made = Value::object(*object);
+            if (name->function) return construct(movie, *name->function, arguments.values(), made);
+        }
+    }
+    return give(movie, std::move(made));
 }
 
 Called callFrame(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
     const Value frame = pop(movie);
     if (scripts.level >= ScriptContext::mostLevels) {
-        scripts.failure = Result::outOfMemory;
+        failRun(scripts, Result::outOfMemory);
         return Called::answered;
     }
     // A label names the root's frame itself; numbers count from 1.

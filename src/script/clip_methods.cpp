@@ -41,7 +41,7 @@ Rect boxOf(Movie& movie, const Target& target) {
     for (const DisplayObject* each = movie.root.first; each; each = nextInDrawingOrder(each)) ++objects;
     spend(movie.scripts, objects);
     const Result refreshed = refreshObjects(movie);
-    if (failed(refreshed)) movie.scripts.failure = refreshed;
+    if (failed(refreshed)) failRun(movie.scripts, refreshed);
     Rect box{0, 0, -1, -1};
     if (const ClipInstance* clip = target.clip()) {
         box = boundsOf(*clip);

@@ -67,8 +67,7 @@ void runLevel(Movie& movie) {
         finishList(movie, list);
         ++level.current;
     }
-    level.lists.truncate(0);
-    level.current = 0;
+    emptyLevel(scripts, level);
     --scripts.level;
 }
 
@@ -82,7 +81,7 @@ Result runQueue(Movie& movie) {
         result = outcomeOf(scripts);
     }
     if (failed(result)) discardLists(scripts);
-    scripts.stack.truncate(0);
+    scripts.stack.clear();
     scripts.target = scripts.savedTarget = {};
     return result;
 }
@@ -114,7 +113,7 @@ Result initScripts(Movie& movie) {
     make(scripts.number, ObjectClass::number, "Number");
     make(scripts.key, ObjectClass::key, "Key");
     constexpr std::uint32_t firstStack = 128;
-    if (failed(scripts.stack.reserve(movie.pool, firstStack))) return Result::outOfMemory;
+    if (!scripts.stack.reserve(firstStack)) return Result::outOfMemory;
     return beginScripts(movie);
 }
 
@@ -129,7 +128,7 @@ Result queueActionList(Movie& movie, std::span<const std::uint8_t> code, ClipIns
     if (code.empty()) return Result::done;
     ClipAnchor* anchor = target ? anchorOf(movie, *target) : nullptr;
     if (target && !anchor) return Result::outOfMemory;
-    PoolPtr<ActionList> list = makeList(movie, copyCode(movie, code), Target(anchor));
+    PoolPtr<ActionList> list = makeList(movie, shareCode(movie, code), CodeOwner::list, Target(anchor));
     if (list) appendList(movie, std::move(list));
     return outcomeOf(movie.scripts);
 }

@@ -120,18 +120,15 @@ Value numberMember(ScriptMemory& memory, std::string_view name) {
     return number ? Value::number(memory, *number) : Value();
 }
 
-Value objectMember(Movie& movie, const ScriptObject& object, const Value& name) {
+Value objectMember(Movie& movie, const ScriptObject& object, const Name& key) {
     ScriptMemory& memory = movie.scripts.memory;
-    const Name key = nameOf(movie, name);
-    if (!key) return {};
     switch (object.kind) {
         case ObjectClass::math: {
             const std::optional<double> number = mathConstant(key.view());
             return number ? Value::number(memory, *number) : Value();
         }
         case ObjectClass::number:
-            if (&object == &movie.scripts.number || !propertyOf(object, key))
-                return numberMember(memory, key.view());
+            if (&object == &movie.scripts.number || !propertyOf(object, key)) return numberMember(memory, key.view());
             break;
         case ObjectClass::key: return {};
         default: break;
@@ -212,29 +209,25 @@ Value callBuiltIn(const MethodCall& call) {
     }
 }
 
-Value getMember(Movie& movie, const Value& object, const Value& name) {
+Value getMember(Movie& movie, const Value& object, const Name& name) {
+    if (!name) return {};
     switch (object.type()) {
-        case ValueType::text:
-            if (name.is(ValueType::text) && name.asText().view() == "length")
-                return Value::number(movie.scripts.memory, object.asText().length);
-            return {};
-        case ValueType::clip: return getClipMember(movie, Target(object.asAnchor()), nameOf(movie, name));
-        case ValueType::function:
-            if (name.is(ValueType::text) && name.asText().view() == "prototype")
-                return Value::object(object.asFunction().prototype);
-            return {};
         case ValueType::object: return objectMember(movie, object.asObject(), name);
+        case ValueType::clip: return getClipMember(movie, Target(object.asAnchor()), name);
+        case ValueType::text:
+            return isLength(name) ? Value::number(movie.scripts.memory, object.asText().length) : Value();
+        case ValueType::function:
+            return name.view() == "prototype" ? Value::object(object.asFunction().prototype) : Value();
         default: return {};
     }
 }
 
-void setMember(Movie& movie, const Value& object, const Value& name, Value value) {
-    if (!object.is(ValueType::clip) && !object.is(ValueType::object)) return;
-    const Name key = nameOf(movie, name);
-    if (!key) return;
-    if (object.is(ValueType::clip)) return setClipMember(movie, Target(object.asAnchor()), key, std::move(value));
-    setPropertyValue(movie.scripts.memory, object.asObject(), key, std::move(value));
-    growArray(movie.scripts.memory, object.asObject(), key);
+void setMember(Movie& movie, const Value& object, const Name& name, Value value) {
+    if (!name) return;
+    if (object.is(ValueType::clip)) return setClipMember(movie, Target(object.asAnchor()), name, std::move(value));
+    if (!object.is(ValueType::object)) return;
+    setPropertyValue(movie.scripts.memory, object.asObject(), name, std::move(value));
+    growArray(movie.scripts.memory, object.asObject(), name);
 }
 
 }  // namespace qel

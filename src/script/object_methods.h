@@ -20,8 +20,8 @@ const Value* userMethod(const MethodCall& call);
 Value callBuiltIn(const MethodCall& call);
 
 // The actions GetMember and SetMember.
-Value getMember(Movie& movie, const Value& object, const Value& name);
-void setMember(Movie& movie, const Value& object, const Value& name, Value value);
+Value getMember(Movie& movie, const Value& object, const Name& name);
+void setMember(Movie& movie, const Value& object, const Name& name, Value value);
 
 // An object of a built-in class. False: the class is a script's.
 bool constructBuiltIn(Movie& movie, std::string_view className, Arguments arguments, Value& made);

@@ -41,14 +41,23 @@ VariableList* targetList(Movie& movie) {
     return clip ? &clip->variables : nullptr;
 }
 
+// The scopes of a name without a path: the locals of the function that runs, the target, the root.
+Variable* findInScope(Movie& movie, const Name& name, std::uint32_t& hint) {
+    ScriptContext& scripts = movie.scripts;
+    VariableList* const locals = localsOf(movie);
+    if (Variable* found = locals ? locals->find(name, hint) : nullptr) return found;
+    VariableList* const target = targetList(movie);
+    if (target && target != &scripts.variables)
+        if (Variable* found = target->find(name, hint)) return found;
+    return scripts.variables.find(name, hint);
+}
+
 Variable* find(Movie& movie, const Reference& reference) {
     if (!reference.name || reference.where == Reference::Where::nowhere) return nullptr;
     const Name& name = reference.name;
     if (reference.where == Reference::Where::clip) return reference.clip->variables.find(name);
-    VariableList* const lists[] = {localsOf(movie), targetList(movie), &movie.scripts.variables};
-    for (VariableList* list : lists)
-        if (Variable* found = list ? list->find(name) : nullptr) return found;
-    return nullptr;
+    std::uint32_t hint = 0;
+    return findInScope(movie, name, hint);
 }
 
 // What stands for itself, whatever variables there are.
@@ -99,8 +108,10 @@ Value clipValue(Movie& movie, ClipInstance* clip) {
 
 Value targetValue(Movie& movie, const Target& target) { return Value::clip(movie.scripts.memory, target.anchor()); }
 
-Value getVariable(Movie& movie, const Name& name) {
+Value getVariable(Movie& movie, const Name& name, std::uint32_t& hint) {
     if (!name) return {};
+    if (!name->hasColon && name->known == KnownName::none)
+        if (const Variable* variable = findInScope(movie, name, hint)) return variable->value.copy();
     const Reference reference = referenceOf(movie, name);
     if (!reference.name || reference.where == Reference::Where::nowhere) return {};
     const bool inScope = reference.where == Reference::Where::scope;
@@ -123,8 +134,10 @@ const Value* findVariable(Movie& movie, const Name& name) {
     return variable ? &variable->value : nullptr;
 }
 
-void setVariable(Movie& movie, const Name& name, Value value) {
+void setVariable(Movie& movie, const Name& name, Value value, std::uint32_t& hint) {
     if (!name) return;
+    if (!name->hasColon)
+        if (Variable* variable = findInScope(movie, name, hint)) return replace(*variable, std::move(value));
     const Reference reference = referenceOf(movie, name);
     if (reference.where == Reference::Where::nowhere) return;
     if (Variable* variable = find(movie, reference)) return replace(*variable, std::move(value));

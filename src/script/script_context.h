@@ -8,6 +8,7 @@
 #include "movie/pool.h"
 #include "script/action_list.h"
 #include "script/random.h"
+#include "script/value_stack.h"
 
 namespace qel {
 
@@ -51,14 +52,19 @@ struct ScriptContext {
     ScriptFunction* firstFunction = nullptr;
     ScriptFunction* lastFunction = nullptr;
     VariableList variables;  // of the root timeline
-    PoolArray<Value> stack;
+    ValueStack stack{memory};
     std::array<Value, registerCount> registers;
     std::uint32_t startTime = 0;  // milliseconds of the host's clock
     RandomState random;
 
+    // What is made again and again, kept for the next time.
+    static constexpr std::uint32_t recentCodes = 64;
+    std::array<Shared<ActionCode>, recentCodes> recentCode;
+    PoolArray<PoolPtr<ActionList>> spareLists;
+
     // The run.
     std::array<ActionLevel, mostLevels> levels;
-    std::uint32_t level = 0;  // 0: nothing runs; levels are counted from 1
+    std::uint32_t level = 0;        // 0: nothing runs; levels are counted from 1
     bool frameRun = false;          // the run behind a frame, not the one behind the keys
     bool returned = false;          // the list ends with its action Return
     Result failure = Result::done;  // what the run ends with

@@ -15,10 +15,20 @@ struct alignas(16) ScriptMemory {
     std::uint32_t actionsLeft = 0;  // of the run
     bool exhausted = false;
 
-    // Charges the device's bytes of a value.
+    // Charges the device's bytes of a value. Nothing more is charged once memory is exhausted.
     bool take(std::uint32_t bytes) {
-        if (!chargeOnly(*charged, bytes)) exhausted = true;
-        return !exhausted;
+        if (!exhausted && chargeOnly(*charged, bytes)) return true;
+        exhausted = true;
+        return false;
+    }
+    // The same for what stays until it is given back, come what may.
+    void charge(std::uint32_t bytes) {
+        if (take(bytes)) return;
+        charged->inUse += bytes + blockHeaderCharge;
+    }
+    // What is charged for a moment and given back.
+    void touch(std::uint32_t bytes) {
+        if (take(bytes)) giveBack(bytes);
     }
     void giveBack(std::uint32_t bytes) { giveBackCharge(*charged, bytes); }
 

@@ -1,5 +1,7 @@
 #include "script/script_state.h"
 
+#include "script/define_function.h"
+
 namespace qel {
 
 void discardLists(ScriptContext& scripts) {
@@ -12,11 +14,13 @@ void discardLists(ScriptContext& scripts) {
 
 void forgetEverything(ScriptContext& scripts) {
     discardLists(scripts);
-    scripts.stack.truncate(0);
+    scripts.stack.clear();
+    for (Shared<ActionCode>& code : scripts.recentCode) code = {};
     for (Value& value : scripts.registers) value = Value();
     scripts.variables.clear();
     for (ScriptFunction* function = scripts.firstFunction; function; function = function->next) {
         function->name->function = nullptr;
+        giveBackFunctionCharges(scripts.memory, *function);
         function->locals.clear();
         function->prototype.properties.clear();
         function->constants = {};

@@ -51,7 +51,13 @@ class Value {
 
     // Where memory is exhausted these give `undefined` and mark it. A text whose first byte is that of a tag reads as
     // that constant, or as `undefined` where the tag promises more than a byte.
-    static Value number(ScriptMemory& memory, double number);
+    static Value number(ScriptMemory& memory, double number) {
+        Value value;
+        if (!memory.take(numberCharge)) return value;
+        value.become(&memory, ValueType::number, nullptr);
+        value.setNumber(number);
+        return value;
+    }
     static Value text(ScriptMemory& memory, TextHold text);
     static Value text(ScriptMemory& memory, std::string_view bytes) { return text(memory, makeText(memory, bytes)); }
     static Value clip(ScriptMemory& memory, ClipAnchor* anchor);  // null: the root timeline
@@ -66,7 +72,10 @@ class Value {
     }
     Value(const Value&) = delete;
     ~Value() {
-        if (type() >= ValueType::object) release();
+        if (is(ValueType::number))
+            memory().giveBack(numberCharge);
+        else if (type() >= ValueType::object)
+            release();
     }
 
     ValueType type() const { return static_cast<ValueType>(word_ & typeBits); }
@@ -79,7 +88,7 @@ class Value {
     ScriptFunction& asFunction() const { return *pointer<ScriptFunction>(); }
 
     // Numbers, texts and clip references are charged once more; objects and functions are shared.
-    Value copy() const;
+    Value copy() const { return is(ValueType::number) ? number(memory(), asNumber()) : copyOther(); }
 
     // Another number in the place of one, which costs nothing.
     void setNumber(double number) { payload_ = std::bit_cast<std::uint64_t>(number); }
@@ -97,6 +106,7 @@ class Value {
         word_ = reinterpret_cast<std::uintptr_t>(memory) | static_cast<std::uintptr_t>(type);
         payload_ = reinterpret_cast<std::uintptr_t>(pointer);
     }
+    Value copyOther() const;
     void release();
 
     std::uintptr_t word_ = undefinedWord;  // the type, and where a charged value is charged

@@ -81,7 +81,7 @@ void VariableList::clear() {
         memory_->giveBack(nodeCharge);
         memory_->giveBack(nameCharge(*variable.name));
     }
-    variables_.clear();
+    variables_.truncate(0);
     slots_.clear();
 }
 

@@ -20,6 +20,13 @@ class VariableList {
     ~VariableList() { clear(); }
 
     Variable* find(const Name& name);
+    // The same for one who asks again and again: `hint` is where it was found last time, here or in another list.
+    Variable* find(const Name& name, std::uint32_t& hint) {
+        if (hint < variables_.size() && variables_[hint].name == name) return &variables_[hint];
+        Variable* found = find(name);
+        if (found) hint = static_cast<std::uint32_t>(found - variables_.begin());
+        return found;
+    }
     const Variable* find(const Name& name) const { return const_cast<VariableList*>(this)->find(name); }
 
     // A new one, with `undefined`. Null when memory is exhausted.
