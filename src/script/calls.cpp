@@ -123,6 +123,7 @@ CallArguments::CallArguments(Movie& movie) : stack_(movie.scripts.stack) {
 CallArguments::~CallArguments() { stack_.drop(onStack_); }
 
 Called callFunction(Movie& movie, const Name& name) {
+    if (!name) return Called::answered;
     Value result;
     {
         CallArguments arguments(movie);
@@ -133,6 +134,7 @@ Called callFunction(Movie& movie, const Name& name) {
 }
 
 Called callMethod(Movie& movie, const Name& name) {
+    if (!name) return Called::answered;
     const Value object = pop(movie);
     Value result;
     {

@@ -15,9 +15,9 @@ struct alignas(16) ScriptMemory {
     std::uint32_t actionsLeft = 0;  // of the run
     bool exhausted = false;
 
-    // Charges the device's bytes of a value. Nothing more is charged once memory is exhausted.
+    // Charges the device's bytes of a value.
     bool take(std::uint32_t bytes) {
-        if (!exhausted && chargeOnly(*charged, bytes)) return true;
+        if (chargeOnly(*charged, bytes)) return true;
         exhausted = true;
         return false;
     }

@@ -11,25 +11,31 @@ constexpr std::uint32_t mostUnindexed = 8;
 std::uint32_t nameCharge(const Text& name) { return name.length + 1; }
 
 // Where the search for a name begins. Content has no say in it, so it cannot make all names meet.
-std::uint32_t placeOf(const Name& name) {
-    const auto address = reinterpret_cast<std::uintptr_t>(&*name);
+std::uint32_t placeOf(const Text& name) {
+    const auto address = reinterpret_cast<std::uintptr_t>(&name);
     return static_cast<std::uint32_t>(address >> 5 ^ address >> 13);
 }
 
 }  // namespace
 
-Variable* VariableList::find(const Name& name) {
+Variable* VariableList::find(const Text& name) {
     if (slots_.empty()) {
         for (Variable& variable : variables_)
-            if (variable.name == name) return &variable;
+            if (&*variable.name == &name) return &variable;
         return nullptr;
     }
     const std::uint32_t mask = slots_.size() - 1;
     for (std::uint32_t slot = placeOf(name) & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
         Variable& variable = variables_[slots_[slot] - 1];
-        if (variable.name == name) return &variable;
+        if (&*variable.name == &name) return &variable;
     }
     return nullptr;
+}
+
+Variable* VariableList::search(const Text& name, std::uint32_t& hint) {
+    Variable* found = find(name);
+    if (found) hint = static_cast<std::uint32_t>(found - variables_.begin());
+    return found;
 }
 
 Variable* VariableList::add(ScriptMemory& memory, const Name& name) {
@@ -63,7 +69,7 @@ Variable* VariableList::findOrAdd(ScriptMemory& memory, const Name& name) {
 
 void VariableList::enter(std::uint32_t at) {
     const std::uint32_t mask = slots_.size() - 1;
-    std::uint32_t slot = placeOf(variables_[at].name) & mask;
+    std::uint32_t slot = placeOf(*variables_[at].name) & mask;
     while (slots_[slot] != 0) slot = (slot + 1) & mask;
     slots_[slot] = at + 1;
 }
