@@ -69,6 +69,7 @@ class Interpreter {
     Name popName() { return nameOf(movie_, stack_.pop()); }
     void touchName(const Name& name);
     void getNamed(Instruction& instruction);
+    void getOtherNamed(const Instruction& instruction);
     void stepNamed(Instruction& instruction);
     void setVariableAction(std::uint32_t& hint);
     bool setNumber(std::uint32_t& hint);
@@ -156,9 +157,12 @@ void Interpreter::getNamed(Instruction& instruction) {
     if (const Variable* variable = findInScope(scripts_, &list_, name, instruction.memo.hint))
         stack_.pushCopy(variable->value);
     else
-        push(getVariable(movie_, nameIn(instruction)));
+        getOtherNamed(instruction);
     memory_.giveBack(charge);
 }
+
+// A function, a clip, or nothing.
+void Interpreter::getOtherNamed(const Instruction& instruction) { push(getVariable(movie_, nameIn(instruction))); }
 
 // On the device's stack stand its name twice, then its name and its number.
 void Interpreter::stepNamed(Instruction& instruction) {
@@ -172,7 +176,8 @@ void Interpreter::stepNamed(Instruction& instruction) {
         return;
     }
     push(Value::text(memory_, name.text()));
-    getNamed(instruction);
+    touchName(name);
+    push(getVariable(movie_, name));
     step(instruction, up ? 1 : -1);
     setVariableAction(instruction.memo.hint);
 }
@@ -394,8 +399,7 @@ Halt Interpreter::performOther(const Instruction& instruction, Instruction*& nex
     const Memo memo = instruction.memo;
     const std::span<const std::uint8_t> operands = code_.subspan(instruction.operand, memo.next - instruction.operand);
     switch (instruction.action) {
-        case Action::newObject:
-            return newObjectOf(movie_) == Called::opened ? goOnBehind(instruction) : Halt::no;
+        case Action::newObject: return newObjectOf(movie_) == Called::opened ? goOnBehind(instruction) : Halt::no;
         case Action::call: return callFrame(movie_) == Called::opened ? goOnBehind(instruction) : Halt::no;
         case Action::with: {
             ContentReader reader(operands);

@@ -266,8 +266,8 @@ class Translator {
         const auto action = static_cast<Action>(code_[at_]);
         Instruction& joined = program_.instructions[last_];
         const bool isText = joined.operation == Operation::pushText;
-        const Operation operation = isText ? namedOperation(operationOf(action), *joined.name)
-                                           : numberOperation(operationOf(action));
+        const Operation operation =
+            isText ? namedOperation(operationOf(action), *joined.name) : numberOperation(operationOf(action));
         if (operation == Operation::action) return;
         ++at_;
         joined.operation = operation;
@@ -279,34 +279,31 @@ class Translator {
     ScriptMemory& memory_;
     Program& program_;
     std::span<const std::uint8_t> code_;
-    std::uint32_t first_ = 0;  // instruction of the stretch
-    std::uint32_t begin_ = 0;  // of the action
-    std::uint32_t at_ = 0;     // behind what was read
-    std::uint16_t count_ = 0;        // actions and values that no instruction stands for yet
+    std::uint32_t first_ = 0;    // instruction of the stretch
+    std::uint32_t begin_ = 0;    // of the action
+    std::uint32_t at_ = 0;       // behind what was read
+    std::uint16_t count_ = 0;    // actions and values that no instruction stands for yet
     std::uint32_t last_ = none;  // the instruction that pushes the last value of a Push
 };
 
 }  // namespace
 
-std::uint32_t instructionAt(ScriptMemory& memory, Program& program, std::span<const std::uint8_t> code,
-                            std::uint32_t at) {
+std::uint32_t makeReady(ScriptMemory& memory, Program& program, std::span<const std::uint8_t> code, std::uint32_t at) {
     const auto size = static_cast<std::uint32_t>(code.size());
     if (program.starts.empty() && failed(program.starts.assignZeros(*memory.uncharged, size + 1))) {
         memory.exhausted = true;
         return 0;
     }
-    if (program.starts[at] == 0) {
-        // Actions that overlap could be made ready without end: then everything is forgotten, which counts as work.
-        constexpr std::uint32_t mostPerByte = 2, least = 1024;
-        if (program.instructions.size() / mostPerByte > size + least) {
-            memory.spend(program.instructions.size());
-            ++program.generation;
-            program.instructions.truncate(0);
-            program.names.truncate(0);
-            for (std::uint32_t& start : program.starts) start = 0;
-        }
-        Translator(memory, program, code).translate(at);
+    // Actions that overlap could be made ready without end: then everything is forgotten, which counts as work.
+    constexpr std::uint32_t mostPerByte = 2, least = 1024;
+    if (program.instructions.size() / mostPerByte > size + least) {
+        memory.spend(program.instructions.size());
+        ++program.generation;
+        program.instructions.truncate(0);
+        program.names.truncate(0);
+        for (std::uint32_t& start : program.starts) start = 0;
     }
+    Translator(memory, program, code).translate(at);
     return memory.exhausted ? 0 : program.starts[at] - 1;
 }
 

@@ -87,8 +87,12 @@ struct Program {
 
 // The instruction at a place in the code, or at its end; behind it, what follows is ready too as far as its stretch
 // goes. The program may be made anew: indexes of before count no longer. Nothing is ready when memory is exhausted.
-std::uint32_t instructionAt(ScriptMemory& memory, Program& program, std::span<const std::uint8_t> code,
-                            std::uint32_t at);
+std::uint32_t makeReady(ScriptMemory& memory, Program& program, std::span<const std::uint8_t> code, std::uint32_t at);
+inline std::uint32_t instructionAt(ScriptMemory& memory, Program& program, std::span<const std::uint8_t> code,
+                                   std::uint32_t at) {
+    const bool ready = !program.starts.empty() && program.starts[at] != 0;
+    return ready ? program.starts[at] - 1 : makeReady(memory, program, code, at);
+}
 
 template <>
 inline constexpr std::uint32_t charge<struct Instruction> = 0;  // the device runs the bytes

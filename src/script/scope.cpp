@@ -75,7 +75,7 @@ ActionList* runningList(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
     if (scripts.level == 0) return nullptr;
     ActionLevel& level = scripts.levels[scripts.level - 1];
-    return level.current < level.lists.size() ? level.lists[level.current].get() : nullptr;
+    return level.current < level.count ? level.lists[level.current].get() : nullptr;
 }
 
 Value clipValue(Movie& movie, ClipInstance* clip) {
@@ -89,7 +89,8 @@ Value targetValue(Movie& movie, const Target& target) { return Value::clip(movie
 Value getVariable(Movie& movie, const Name& name, std::uint32_t& hint) {
     if (!name) return {};
     if (!name->hasColon && name->known == KnownName::none)
-        if (const Variable* variable = findInScope(movie.scripts, runningList(movie), *name, hint)) return variable->value.copy();
+        if (const Variable* variable = findInScope(movie.scripts, runningList(movie), *name, hint))
+            return variable->value.copy();
     const Reference reference = referenceOf(movie, name);
     if (!reference.name || reference.where == Reference::Where::nowhere) return {};
     const bool inScope = reference.where == Reference::Where::scope;
@@ -115,11 +116,13 @@ const Value* findVariable(Movie& movie, const Name& name) {
 void setVariable(Movie& movie, const Name& name, Value value, std::uint32_t& hint) {
     if (!name) return;
     if (!name->hasColon)
-        if (Variable* variable = findInScope(movie.scripts, runningList(movie), *name, hint)) return replace(*variable, std::move(value));
+        if (Variable* variable = findInScope(movie.scripts, runningList(movie), *name, hint))
+            return replace(*variable, std::move(value));
     const Reference reference = referenceOf(movie, name);
     if (reference.where == Reference::Where::nowhere) return;
     if (Variable* variable = find(movie, reference)) return replace(*variable, std::move(value));
-    VariableList* list = reference.where == Reference::Where::clip ? &reference.clip->variables : targetList(movie.scripts);
+    VariableList* list =
+        reference.where == Reference::Where::clip ? &reference.clip->variables : targetList(movie.scripts);
     if (list) storeVariable(movie, *list, reference.name, std::move(value));
 }
 
@@ -144,7 +147,9 @@ void deleteVariable(Movie& movie, const Name& name) {
 
 void storeVariable(Movie& movie, VariableList& list, const Name& name, Value value) {
     Variable* variable = list.findOrAdd(movie.scripts.memory, name);
-    if (variable) replace(*variable, std::move(value));
+    if (!variable) return;
+    addUse(value);
+    std::swap(variable->value, value);  // the device does not count that the old one goes
 }
 
 }  // namespace qel

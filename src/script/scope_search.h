@@ -18,8 +18,7 @@ inline VariableList* targetList(ScriptContext& scripts) {
 }
 
 // `name` is the text of a name.
-inline Variable* findInScope(ScriptContext& scripts, const ActionList* running, const Text& name,
-                             std::uint32_t& hint) {
+inline Variable* findInScope(ScriptContext& scripts, const ActionList* running, const Text& name, std::uint32_t& hint) {
     if (running && running->function)
         if (Variable* found = running->function->locals.find(name, hint)) return found;
     if (ClipInstance* clip = scripts.target.clip())

@@ -2,6 +2,8 @@
 // the budget refuses marks the run as failed, and everything that happens until the run notices is harmless.
 #pragma once
 
+#include <cstddef>
+
 #include "movie/pool.h"
 
 namespace qel {
@@ -37,5 +39,8 @@ struct alignas(16) ScriptMemory {
         actionsLeft = work < actionsLeft ? actionsLeft - static_cast<std::uint32_t>(work) : 0;
     }
 };
+
+// It lies in memory of the host's, which is aligned for any type; values keep their type in the low bits of its address.
+static_assert(alignof(ScriptMemory) <= alignof(std::max_align_t));
 
 }  // namespace qel

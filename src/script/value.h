@@ -71,6 +71,10 @@ class Value {
         return *this;
     }
     Value(const Value&) = delete;
+    friend void swap(Value& a, Value& b) noexcept {
+        std::swap(a.word_, b.word_);
+        std::swap(a.payload_, b.payload_);
+    }
     ~Value() {
         if (is(ValueType::number))
             memory().giveBack(numberCharge);

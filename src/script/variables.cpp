@@ -8,7 +8,8 @@ namespace {
 constexpr std::uint32_t nodeCharge = 12;  // next, name, value
 constexpr std::uint32_t mostUnindexed = 8;
 
-std::uint32_t nameCharge(const Text& name) { return name.length + 1; }
+// The device's two blocks: a node and a copy of the name.
+std::uint32_t nodeAndNameCharge(const Text& name) { return nodeCharge + blockHeaderCharge + name.length + 1; }
 
 // Where the search for a name begins. Content has no say in it, so it cannot make all names meet.
 std::uint32_t placeOf(const Text& name) {
@@ -40,19 +41,14 @@ Variable* VariableList::search(const Text& name, std::uint32_t& hint) {
 
 Variable* VariableList::add(ScriptMemory& memory, const Name& name) {
     memory_ = &memory;
-    if (!name || !memory.take(nodeCharge)) return nullptr;
-    if (!memory.take(nameCharge(*name))) {
-        memory.giveBack(nodeCharge);
-        return nullptr;
-    }
-    Variable variable;
-    variable.name = name;
-    if (failed(variables_.append(*memory.uncharged, std::move(variable)))) {
-        memory.giveBack(nodeCharge);
-        memory.giveBack(nameCharge(*name));
+    if (!name || !memory.take(nodeAndNameCharge(*name))) return nullptr;
+    const std::uint32_t room = variables_.size() < 4 ? 4 : 2 * variables_.size();
+    if (variables_.size() == variables_.capacity() && failed(variables_.reserve(*memory.uncharged, room))) {
+        memory.giveBack(nodeAndNameCharge(*name));
         memory.exhausted = true;
         return nullptr;
     }
+    variables_.makeReserved([&] { return Variable{name, {}}; });
     const bool grown = variables_.size() * 2 > slots_.size();
     if (variables_.size() > mostUnindexed && grown) {
         if (!index()) slots_.clear();  // one by one, then
@@ -60,11 +56,6 @@ Variable* VariableList::add(ScriptMemory& memory, const Name& name) {
         enter(variables_.size() - 1);
     }
     return &variables_.back();
-}
-
-Variable* VariableList::findOrAdd(ScriptMemory& memory, const Name& name) {
-    Variable* found = name ? find(name) : nullptr;
-    return found ? found : add(memory, name);
 }
 
 void VariableList::enter(std::uint32_t at) {
@@ -83,12 +74,9 @@ bool VariableList::index() {
 }
 
 void VariableList::clear() {
-    for (const Variable& variable : variables_) {
-        memory_->giveBack(nodeCharge);
-        memory_->giveBack(nameCharge(*variable.name));
-    }
+    for (const Variable& variable : variables_) memory_->giveBack(nodeAndNameCharge(*variable.name));
     variables_.truncate(0);
-    slots_.clear();
+    if (!slots_.empty()) slots_.clear();
 }
 
 }  // namespace qel

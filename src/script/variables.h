@@ -31,7 +31,10 @@ class VariableList {
 
     // A new one, with `undefined`. Null when memory is exhausted.
     Variable* add(ScriptMemory& memory, const Name& name);
-    Variable* findOrAdd(ScriptMemory& memory, const Name& name);
+    Variable* findOrAdd(ScriptMemory& memory, const Name& name) {
+        Variable* found = name && !variables_.empty() ? find(name) : nullptr;
+        return found ? found : add(memory, name);
+    }
 
     void clear();
     std::uint32_t size() const { return variables_.size(); }
