@@ -40,7 +40,8 @@ struct alignas(16) ScriptMemory {
     }
 };
 
-// It lies in memory of the host's, which is aligned for any type; values keep their type in the low bits of its address.
+// It lies in memory of the host's, which is aligned for any type; values keep their type in the low bits of its
+// address.
 static_assert(alignof(ScriptMemory) <= alignof(std::max_align_t));
 
 }  // namespace qel
