@@ -2,6 +2,7 @@
 // time is that of the engine alone.
 #include <benchmark/benchmark.h>
 
+#include "author/assembler.h"
 #include "author/frame_items.h"
 #include "author/movie_writer.h"
 #include "host/headless_run.h"
@@ -88,6 +89,26 @@ void ClipsStepping(benchmark::State& state) {
     playFrames(state, movie, frames);
 }
 BENCHMARK(ClipsStepping)->Arg(100)->Arg(200)->Arg(400)->Unit(benchmark::kMicrosecond);
+
+// Clips of which each runs an event of its own in every frame.
+void ClipEvents(benchmark::State& state) {
+    constexpr int frames = 100;
+    author::MovieFile movie = movieWithSquare();
+    movie.records.push_back(
+        author::sprite({.id = clipId, .frameCount = 1, .timeline = author::frame(author::place(squareId, 0))}));
+    const Bytes code = author::assembleActions(
+        "Push 'this'\nGetVariable\nPush '_x' 'this'\nGetVariable\nPush '_x'\nGetMember\nIncrement\nSetMember");
+    const std::vector<author::ClipHandler> handlers{{.onFrame = true, .code = code}};
+    Bytes items;
+    for (std::int64_t i = 0; i < state.range(0); ++i) {
+        add(items, author::placeClip({clipId, 0, "clip" + std::to_string(i), handlers}));
+        add(items, author::move(0, at(i * 37 % 120, i * 53 % 300)));
+    }
+    movie.records.push_back(author::frame(items));
+    for (int frame = 1; frame < frames; ++frame) movie.records.push_back(author::frame({}));
+    playFrames(state, movie, frames);
+}
+BENCHMARK(ClipEvents)->Arg(50)->Arg(100)->Unit(benchmark::kMicrosecond);
 
 // A goto from the first frame over so many others, each of which moves three objects; nothing is drawn in between.
 void GotoOverFrames(benchmark::State& state) {
