@@ -105,9 +105,9 @@ Value callTextMethod(const MethodCall& call) {
         const std::int64_t begin = fromEitherEnd(first, length);
         return piece(call, text, begin, std::min(begin + std::clamp<std::int64_t>(second, 0, length), length));
     }
-    const auto [begin, end] =
-        std::minmax(std::clamp<std::int64_t>(first, 0, length), std::clamp<std::int64_t>(second, 0, length));
-    return piece(call, text, begin, end);
+    const std::int64_t one = std::clamp<std::int64_t>(first, 0, length);
+    const std::int64_t other = std::clamp<std::int64_t>(second, 0, length);
+    return piece(call, text, std::min(one, other), std::max(one, other));
 }
 
 Value callStringClass(const MethodCall& call) {
