@@ -26,12 +26,13 @@ void* allocateOrPurge(Pool& pool, std::size_t size, std::uint32_t charged) {
 // Whether the budget allows a block, where need be once something else was given back.
 bool fitsBudget(Pool& pool, std::uint32_t charged) {
     if (std::uint64_t{pool.inUse} + charged < pool.budget) return true;
-    return makeRoom(pool, charged);
+    return pool.purge && pool.purge(pool.purgeContext, charged);
 }
 
 void take(Pool& pool, std::uint32_t charged) {
     pool.inUse += charged;
     pool.peak = std::max(pool.peak, pool.inUse);
+    pool.within = std::min(pool.peak, pool.budget);
 }
 
 }  // namespace
@@ -45,7 +46,11 @@ void* allocateBlock(Pool& pool, std::size_t size, std::uint32_t charged) {
     return header + 1;
 }
 
-bool makeRoom(Pool& pool, std::uint32_t charge) { return pool.purge && pool.purge(pool.purgeContext, charge); }
+bool chargeMore(Pool& pool, std::uint32_t charge) {
+    if (!fitsBudget(pool, charge)) return false;
+    take(pool, charge + blockHeaderCharge);
+    return true;
+}
 
 void freeBlock(Pool& pool, void* block) {
     if (!block) return;

@@ -27,6 +27,7 @@ struct Pool {
     std::uint32_t budget = unlimited;  // bytes
     std::uint32_t inUse = 0;           // bytes charged
     std::uint32_t peak = 0;            // the most that was charged at one time
+    std::uint32_t within = 0;          // the smaller of budget and peak: up to here there is nothing to ask or to note
     // Gives back at least `bytes`; false when it cannot. Null: there is nothing to purge.
     bool (*purge)(void* context, std::uint32_t bytes) = nullptr;
     void* purgeContext = nullptr;
@@ -39,11 +40,11 @@ void freeBlock(Pool& pool, void* block);  // null is allowed
 
 // Charges a block that the device would have and this machine has not, its header included. False when the budget
 // refuses it.
-bool makeRoom(Pool& pool, std::uint32_t charge);  // by giving something else back
+bool chargeMore(Pool& pool, std::uint32_t charge);
 inline bool chargeOnly(Pool& pool, std::uint32_t charge) {
-    if (std::uint64_t{pool.inUse} + charge >= pool.budget && !makeRoom(pool, charge)) return false;
-    pool.inUse += charge + blockHeaderCharge;
-    if (pool.inUse > pool.peak) pool.peak = pool.inUse;
+    const std::uint64_t inUse = std::uint64_t{pool.inUse} + charge + blockHeaderCharge;
+    if (inUse > pool.within) return chargeMore(pool, charge);
+    pool.inUse = static_cast<std::uint32_t>(inUse);
     return true;
 }
 inline void giveBackCharge(Pool& pool, std::uint32_t charge) { pool.inUse -= charge + blockHeaderCharge; }
@@ -148,6 +149,16 @@ class PoolArray {
         new (data_ + size_) T(std::move(value));
         ++size_;
     }
+
+    // The same, made in its place.
+    template <class Make>
+    void makeReserved(Make make) {
+        new (data_ + size_) T(make());
+        ++size_;
+    }
+
+    // Drops the last element; there is one.
+    void dropLast() { std::destroy_at(data_ + --size_); }
 
     // Exactly `count` elements, all new and value-initialized.
     Result assignZeros(Pool& pool, std::uint32_t count) {

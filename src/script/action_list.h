@@ -116,7 +116,8 @@ inline constexpr std::uint32_t charge<struct ActionList> = 0;  // charged with t
 struct ActionLevel {
     static constexpr std::uint32_t firstCapacity = 20;
 
-    PoolArray<PoolPtr<ActionList>> lists;
+    PoolArray<PoolPtr<ActionList>> lists;  // those behind `count` are empty, kept for the next time
+    std::uint32_t count = 0;
     std::uint32_t current = 0;
 };
 template <>

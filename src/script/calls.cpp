@@ -30,16 +30,17 @@ Called openCall(Movie& movie, ScriptFunction& function, Arguments arguments, Lis
         Variable* local = function.locals.findOrAdd(scripts.memory, function.parameters[i]);
         if (!local) return Called::answered;
         Value value = i < arguments.size() ? std::move(arguments[i]) : Value();
-        addUse(value);
+        if (value.is(ValueType::object)) addUse(value);
         std::swap(local->value, value);
     }
-    PoolPtr<ActionList> list = makeList(movie, function.code, CodeOwner::function, scripts.target);
+    ActionLevel& level = scripts.levels[scripts.level];
+    ActionList* list = addList(movie, level, function.code, CodeOwner::function, scripts.target);
     if (!list) return Called::answered;
     list->function = &function;
     list->kind = kind;
     list->thisObject = std::move(thisObject);
     list->constants = function.constants;
-    openLevel(movie, std::move(list));
+    ++scripts.level;
     return Called::opened;
 }
 
@@ -82,18 +83,14 @@ bool readBlock(Movie& movie, std::uint32_t frame, PoolArray<std::uint8_t>& bytes
 }
 
 // Every item of a block is code, whatever its type.
-void queueItems(Movie& movie, ContentReader items, PoolArray<PoolPtr<ActionList>>& lists) {
-    while (items.available(1)) {
+void queueItems(Movie& movie, ContentReader items, ActionLevel& level) {
+    while (items.available(1) && !movie.scripts.memory.exhausted) {
         const unsigned head = items.u8(), type = head >> 4;
         std::uint32_t length = head & longItemLength;
         if (length == longItemLength) length = items.littleEndian(itemLengthBytes(type));
         const std::span<const std::uint8_t> code = items.take(length);
         if (!items.ok()) return;
-        PoolPtr<ActionList> list = makeList(movie, shareCode(movie, code), CodeOwner::list, movie.scripts.target);
-        if (!list || failed(lists.append(*movie.scripts.memory.uncharged, std::move(list)))) {
-            movie.scripts.memory.exhausted = true;
-            return;
-        }
+        addList(movie, level, shareCode(movie, code), CodeOwner::list, movie.scripts.target);
     }
 }
 
@@ -123,6 +120,7 @@ CallArguments::CallArguments(Movie& movie) : stack_(movie.scripts.stack) {
 CallArguments::~CallArguments() { stack_.drop(onStack_); }
 
 Called callFunction(Movie& movie, const Name& name) {
+    if (!name) return Called::answered;
     Value result;
     {
         CallArguments arguments(movie);
@@ -133,6 +131,7 @@ Called callFunction(Movie& movie, const Name& name) {
 }
 
 Called callMethod(Movie& movie, const Name& name) {
+    if (!name) return Called::answered;
     const Value object = pop(movie);
     Value result;
     {
@@ -179,10 +178,10 @@ Called callFrame(Movie& movie) {
         return Called::answered;
     }
     spend(scripts, bytes.size());
-    PoolArray<PoolPtr<ActionList>> lists;
-    queueItems(movie, ContentReader(bytes.span()), lists);
-    if (lists.empty()) return Called::answered;
-    openLevel(movie, std::move(lists));
+    ActionLevel& level = scripts.levels[scripts.level];
+    queueItems(movie, ContentReader(bytes.span()), level);
+    if (level.count == 0) return Called::answered;
+    ++scripts.level;
     return Called::opened;
 }
 

@@ -21,10 +21,9 @@ struct Joined {
 TextHold arrayText(Movie& movie, const ScriptObject& array, int depth) {
     constexpr int deepest = 16;
     ScriptMemory& memory = movie.scripts.memory;
-    const Name lengthName = makeName(memory, "length");
     Joined joined{movie, makeText(memory, "")};
-    if (!lengthName || depth == deepest) return joined.text;
-    const Value* lengthValue = propertyOf(array, lengthName);
+    if (depth == deepest) return joined.text;
+    const Value* lengthValue = propertyOf(array, movie.scripts.lengthName);
     const std::int32_t length = lengthValue ? toInt32(numericValue(*lengthValue)) : 0;
     for (std::int32_t i = 0; i < length && !memory.exhausted; ++i) {
         const Name key = indexName(memory, i);
@@ -44,8 +43,7 @@ TextHold objectText(Movie& movie, const ScriptObject& object, int depth) {
     ScriptMemory& memory = movie.scripts.memory;
     if (object.kind == ObjectClass::array) return arrayText(movie, object, depth);
     if (object.kind == ObjectClass::number) {
-        const Name name = makeName(memory, "value");
-        const Value* value = name ? propertyOf(object, name) : nullptr;
+        const Value* value = propertyOf(object, movie.scripts.valueName);
         constexpr int deepest = 16;
         if (depth == deepest) return makeText(memory, "");
         return value ? textAt(movie, *value, depth + 1) : makeText(memory, "0");
@@ -74,11 +72,17 @@ TextHold textAt(Movie& movie, const Value& value, int depth) {
 
 }  // namespace
 
+// Reading a number from a long text is work.
+std::optional<double> numberIn(const Text& text) {
+    text.memory->spend(text.length / 64);
+    return parseNumber(text.view());
+}
+
 double numericValue(const Value& value) {
     switch (value.type()) {
         case ValueType::yes: return 1;
         case ValueType::number: return value.asNumber();
-        case ValueType::text: return parseNumber(value.asText().view()).value_or(0);
+        case ValueType::text: return numberIn(value.asText()).value_or(0);
         default: return 0;
     }
 }
@@ -96,7 +100,7 @@ Value toNumberValue(ScriptMemory& memory, const Value& value) {
         case ValueType::negativeInfinity:
         case ValueType::number: return value.copy();
         case ValueType::text: {
-            const std::optional<double> number = parseNumber(value.asText().view());
+            const std::optional<double> number = numberIn(value.asText());
             return number ? Value::number(memory, *number) : Value::constant(ValueType::notANumber);
         }
         case ValueType::clip: break;

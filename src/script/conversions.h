@@ -1,6 +1,8 @@
 // Values as numbers, texts, truth and type names.
 #pragma once
 
+#include <optional>
+
 #include "script/name.h"
 #include "script/value.h"
 
@@ -8,7 +10,8 @@ namespace qel {
 
 struct Movie;
 
-double numericValue(const Value& value);  // what is no number, text or `true` gives 0
+std::optional<double> numberIn(const Text& text);  // counts as work
+double numericValue(const Value& value);           // what is no number, text or `true` gives 0
 Value toNumberValue(ScriptMemory& memory, const Value& value);
 bool toBoolean(const Value& value);
 

@@ -10,6 +10,7 @@
 #include "script/number_actions.h"
 #include "script/object_methods.h"
 #include "script/scope.h"
+#include "script/scope_search.h"
 #include "script/script_state.h"
 #include "script/text_actions.h"
 #include "script/timeline_actions.h"
@@ -24,68 +25,85 @@ enum class Halt : std::uint8_t {
     called,  // a level was opened: the list goes on behind it
 };
 
+// Texts that begin with such a byte read as what has that tag.
+constexpr std::uint8_t lastTag = 11;
+
 class Interpreter {
   public:
     Interpreter(Movie& movie, ActionList& list)
-        : movie_(movie), scripts_(movie.scripts), stack_(movie.scripts.stack), list_(list) {}
+        : movie_(movie),
+          scripts_(movie.scripts),
+          memory_(movie.scripts.memory),
+          stack_(movie.scripts.stack),
+          list_(list),
+          code_(list.code->bytes.span()),
+          program_(list.code->program) {}
 
     // The list ends, or goes on later.
     Halt run();
 
   private:
-    ScriptMemory& memory() { return scripts_.memory; }
-    std::span<const std::uint8_t> code() const { return list_.code->bytes.span(); }
-    Program& program() { return list_.code->program; }
-
-    void goTo(std::uint32_t place) { next_ = instructionAt(memory(), program(), code(), place); }
-    Halt jump(Instruction& instruction);
-    Halt perform(Instruction& instruction);
-    Halt performOther(const Instruction& instruction);
-    Halt behindCall(const Instruction& instruction, Called called);
+    // The instruction at a place in the code; of no use when memory is exhausted.
+    Instruction* instructionFor(std::uint32_t place) {
+        const std::uint32_t index = instructionAt(memory_, program_, code_, place);
+        return program_.instructions.begin() + index;
+    }
+    Instruction* findPlace(const Instruction& instruction);
+    Instruction* placeOf(const Instruction& jump) {
+        return jump.memo.hint != 0 ? program_.instructions.begin() + (jump.memo.hint - 1) : findPlace(jump);
+    }
+    Halt outOfWork();
+    Halt performOther(const Instruction& instruction, Instruction*& next);
+    Halt goOnBehind(const Instruction& call);
     bool performPlainAction(Action action, ContentReader operands);
     bool performObjectAction(Action action);
 
     void push(Value value) { stack_.push(std::move(value)); }
-    void pushNumber(double number) { push(Value::number(memory(), number)); }
-    void pushText(const Name& text);
+    void pushText(const Instruction& instruction);
     void pushRegister(std::uint32_t index);
     void pushPoolText(std::uint32_t index);
     void storeRegister(ContentReader operands);
     void readConstants(ContentReader operands);
 
-    const Name& nameOf(const Instruction& instruction) { return program().names[instruction.operand]; }
+    const Name& nameIn(const Instruction& instruction) { return program_.names[instruction.operand]; }
+    Name popName() { return nameOf(movie_, stack_.pop()); }
     void touchName(const Name& name);
+    void getNamed(Instruction& instruction);
+    void getOtherNamed(const Instruction& instruction);
+    void stepNamed(Instruction& instruction);
+    void setVariableAction(std::uint32_t& hint);
+    bool setNumber(std::uint32_t& hint);
     void getMemberAction(const Name& name);
+    void setMemberAction();
+
     bool calculateInPlace(Operation operation);
     void calculate(Action action) { performNumberAction(movie_, action); }
+    void addNumber(double number);
+    void addValues();
+    void step(const Instruction& instruction, double by);
+    void pushWhetherLess(double number);
+    bool popTruth();
+    bool popWhetherLess();
+    bool popWhetherLess(double number);
 
     Movie& movie_;
     ScriptContext& scripts_;
+    ScriptMemory& memory_;
     ValueStack& stack_;
     ActionList& list_;
-    std::uint32_t next_ = 0;  // the next instruction
+    std::span<const std::uint8_t> code_;
+    Program& program_;
 };
-
-Halt Interpreter::run() {
-    goTo(list_.at);
-    Halt halt = Halt::no;
-    while (halt == Halt::no && !memory().exhausted) {
-        Instruction& instruction = program().instructions[next_++];
-        if (memory().actionsLeft < instruction.count) {
-            if (!failed(scripts_.failure)) failRun(scripts_, Result::outOfMemory);
-            break;
-        }
-        memory().actionsLeft -= instruction.count;
-        halt = perform(instruction);
-    }
-    return halt;
-}
 
 // --- values and names
 
-void Interpreter::pushText(const Name& text) {
-    memory().spend(text->length / 64);
-    push(Value::text(memory(), text.text()));
+void Interpreter::pushText(const Instruction& instruction) {
+    Text& text = *instruction.name;
+    if (text.length >= 64) memory_.spend(text.length / 64);
+    if (static_cast<std::uint8_t>(text.bytes[0]) > lastTag || text.length == 0)
+        stack_.pushPlainText(text);
+    else
+        push(Value::text(memory_, nameIn(instruction).text()));
 }
 
 void Interpreter::pushRegister(std::uint32_t index) {
@@ -99,7 +117,7 @@ void Interpreter::pushPoolText(std::uint32_t index) {
 
 // A name that an action takes as soon as it was pushed is on the device's stack for that moment.
 void Interpreter::touchName(const Name& name) {
-    if (stack_.makeRoom()) memory().touch(Value::textCharge(*name));
+    if (stack_.makeRoom()) memory_.touch(Value::textCharge(*name));
 }
 
 void Interpreter::storeRegister(ContentReader operands) {
@@ -113,7 +131,7 @@ void Interpreter::readConstants(ContentReader operands) {
     operands.u8();
     PoolPtr<ConstantPool> pool = makePooled<ConstantPool>(movie_.pool);
     if (!pool || failed(pool->texts.reserve(movie_.pool, count))) {
-        memory().exhausted = true;
+        memory_.exhausted = true;
         return;
     }
     pool->pool = &movie_.pool;
@@ -122,39 +140,92 @@ void Interpreter::readConstants(ContentReader operands) {
         std::string_view text(reinterpret_cast<const char*>(rest.data()), rest.size());
         text = text.substr(0, text.find('\0'));
         operands.skip(std::min(text.size() + 1, rest.size()));
-        constexpr unsigned char lastTag = 11;
         const bool readsAsTag = !text.empty() && static_cast<unsigned char>(text[0]) <= lastTag;
-        memory().spend(1);
+        memory_.spend(1);
         pool->texts.appendReserved(
-            Value::text(memory(), makeName(memory(), readsAsTag ? "Not supported string" : text).text()));
+            Value::text(memory_, makeName(memory_, readsAsTag ? "Not supported string" : text).text()));
     }
     list_.constants = Shared<ConstantPool>(pool.release());
 }
 
 // --- variables and members
 
+void Interpreter::getNamed(Instruction& instruction) {
+    const Text& name = *instruction.name;
+    const std::uint32_t charge = Value::textCharge(name);
+    if (!stack_.makeRoom() || !memory_.take(charge)) return;
+    if (const Variable* variable = findInScope(scripts_, &list_, name, instruction.memo.hint))
+        stack_.pushCopy(variable->value);
+    else
+        getOtherNamed(instruction);
+    memory_.giveBack(charge);
+}
+
+// A function, a clip, or nothing.
+void Interpreter::getOtherNamed(const Instruction& instruction) { push(getVariable(movie_, nameIn(instruction))); }
+
+// On the device's stack stand its name twice, then its name and its number.
+void Interpreter::stepNamed(Instruction& instruction) {
+    const Name& name = nameIn(instruction);
+    const bool up = instruction.action == Action::increment;
+    Variable* variable = findInScope(scripts_, &list_, *name, instruction.memo.hint);
+    if (variable && variable->value.is(ValueType::number)) {
+        if (!stack_.makeRoom(2)) return;
+        memory_.touch(2 * (Value::textCharge(*name) + blockHeaderCharge) + Value::numberCharge);
+        variable->value.setNumber(variable->value.asNumber() + (up ? 1 : -1));
+        return;
+    }
+    push(Value::text(memory_, name.text()));
+    touchName(name);
+    push(getVariable(movie_, name));
+    step(instruction, up ? 1 : -1);
+    setVariableAction(instruction.memo.hint);
+}
+
+void Interpreter::setVariableAction(std::uint32_t& hint) {
+    if (setNumber(hint)) return;
+    Value value = stack_.pop();
+    setVariable(movie_, popName(), std::move(value), hint);
+}
+
+// A number in the place of a number, which charges nothing. False: it is something else that is set.
+bool Interpreter::setNumber(std::uint32_t& hint) {
+    if (stack_.size() < 2 || !stack_.top().is(ValueType::number) || !stack_.top(1).is(ValueType::text)) return false;
+    const Text& name = stack_.top(1).asText();
+    if (!name.isName || name.hasColon) return false;
+    Variable* variable = findInScope(scripts_, &list_, name, hint);
+    if (!variable || !variable->value.is(ValueType::number)) return false;
+    variable->value.setNumber(stack_.top().asNumber());
+    stack_.drop();
+    stack_.drop();
+    return true;
+}
+
 void Interpreter::getMemberAction(const Name& name) {
     const Value object = stack_.pop();
     push(getMember(movie_, object, name));
 }
 
-// --- jumps
-
-Halt Interpreter::jump(Instruction& instruction) {
-    if (instruction.memo.hint != 0) {
-        next_ = instruction.memo.hint - 1;
-        return Halt::no;
-    }
-    const std::uint32_t index = next_ - 1, generation = program().generation;
-    goTo(instruction.operand);
-    const bool stands = generation == program().generation;
-    if (stands && !memory().exhausted) program().instructions[index].memo.hint = next_ + 1;
-    return Halt::no;
+void Interpreter::setMemberAction() {
+    Value value = stack_.pop();
+    const Name name = popName();
+    const Value object = stack_.pop();
+    setMember(movie_, object, name, std::move(value));
 }
 
-Halt Interpreter::behindCall(const Instruction& instruction, Called called) {
-    if (called == Called::answered) return Halt::no;
-    list_.at = instruction.memo.next;
+// --- jumps
+
+Instruction* Interpreter::findPlace(const Instruction& instruction) {
+    const auto index = static_cast<std::uint32_t>(&instruction - program_.instructions.begin());
+    const std::uint32_t generation = program_.generation;
+    Instruction* const target = instructionFor(instruction.operand);
+    if (generation == program_.generation && !memory_.exhausted)
+        program_.instructions[index].memo.hint = static_cast<std::uint32_t>(target - program_.instructions.begin()) + 1;
+    return target;
+}
+
+Halt Interpreter::goOnBehind(const Instruction& call) {
+    list_.at = call.memo.next;
     return Halt::called;
 }
 
@@ -162,7 +233,7 @@ Halt Interpreter::behindCall(const Instruction& instruction, Called called) {
 
 // Numbers take the place of numbers, which charges nothing. False: the operands are others.
 bool Interpreter::calculateInPlace(Operation operation) {
-    if (stack_.size() < 2 || !stack_.top().is(ValueType::number) || !stack_.top(1).is(ValueType::number)) return false;
+    if (!stack_.hasTwoNumbers()) return false;
     const double b = stack_.top().asNumber();
     Value& left = stack_.top(1);
     const double a = left.asNumber();
@@ -178,116 +249,173 @@ bool Interpreter::calculateInPlace(Operation operation) {
     return true;
 }
 
-// --- every instruction
-
-Halt Interpreter::perform(Instruction& instruction) {
-    switch (instruction.operation) {
-        case Operation::action: return performOther(instruction);
-        case Operation::end: return Halt::ended;
-        case Operation::nothing: return Halt::no;
-        case Operation::pushText: pushText(nameOf(instruction)); return Halt::no;
-        case Operation::pushNumber: pushNumber(instruction.number); return Halt::no;
-        case Operation::pushConstant: push(Value::constant(ValueType(instruction.operand))); return Halt::no;
-        case Operation::pushRegister: pushRegister(instruction.operand); return Halt::no;
-        case Operation::pushPoolText: pushPoolText(instruction.operand); return Halt::no;
-        case Operation::getNamed: {
-            const Name& name = nameOf(instruction);
-            const std::uint32_t charge = Value::textCharge(*name);
-            if (!stack_.makeRoom() || !memory().take(charge)) return Halt::no;
-            push(getVariable(movie_, name, instruction.memo.hint));
-            memory().giveBack(charge);
-            return Halt::no;
-        }
-        case Operation::getNamedMember:
-            touchName(nameOf(instruction));
-            getMemberAction(nameOf(instruction));
-            return Halt::no;
-        case Operation::callNamed:
-            touchName(nameOf(instruction));
-            return behindCall(instruction, callFunction(movie_, nameOf(instruction)));
-        case Operation::callNamedMethod:
-            touchName(nameOf(instruction));
-            return behindCall(instruction, callMethod(movie_, nameOf(instruction)));
-        case Operation::getVariable: {
-            const Name name = qel::nameOf(movie_, stack_.pop());
-            push(getVariable(movie_, name, instruction.memo.hint));
-            return Halt::no;
-        }
-        case Operation::setVariable: {
-            Value value = stack_.pop();
-            const Name name = qel::nameOf(movie_, stack_.pop());
-            setVariable(movie_, name, std::move(value), instruction.memo.hint);
-            return Halt::no;
-        }
-        case Operation::getMember: getMemberAction(qel::nameOf(movie_, stack_.pop())); return Halt::no;
-        case Operation::setMember: {
-            Value value = stack_.pop();
-            const Name name = qel::nameOf(movie_, stack_.pop());
-            const Value object = stack_.pop();
-            setMember(movie_, object, name, std::move(value));
-            return Halt::no;
-        }
-        case Operation::callFunction: {
-            const Name name = qel::nameOf(movie_, stack_.pop());
-            return name ? behindCall(instruction, callFunction(movie_, name)) : Halt::no;
-        }
-        case Operation::callMethod: {
-            const Name name = qel::nameOf(movie_, stack_.pop());
-            return name ? behindCall(instruction, callMethod(movie_, name)) : Halt::no;
-        }
-        case Operation::returnValue: scripts_.returned = true; return Halt::ended;
-        case Operation::jump: return jump(instruction);
-        case Operation::branch: return toBoolean(stack_.pop()) ? jump(instruction) : Halt::no;
-        case Operation::pop: stack_.pop(); return Halt::no;
-        case Operation::add:
-        case Operation::subtract:
-        case Operation::multiply:
-        case Operation::less2:
-        case Operation::equals2:
-            if (!calculateInPlace(instruction.operation)) calculate(instruction.action);
-            return Halt::no;
-        case Operation::add2:
-            if (!calculateInPlace(instruction.operation)) {
-                const Value b = stack_.pop(), a = stack_.pop();
-                push(sumOrJoined(movie_, a, b));
-            }
-            return Halt::no;
-        case Operation::increment:
-        case Operation::decrement: {
-            if (stack_.size() == 0 || !stack_.top().is(ValueType::number)) {
-                calculate(instruction.action);
-                return Halt::no;
-            }
-            const double by = instruction.operation == Operation::increment ? 1 : -1;
-            stack_.top().setNumber(stack_.top().asNumber() + by);
-            return Halt::no;
-        }
-        case Operation::logicalNot: calculate(instruction.action); return Halt::no;
+void Interpreter::addNumber(double number) {
+    if (stack_.size() != 0 && stack_.top().is(ValueType::number)) {
+        if (stack_.makeRoom()) memory_.touch(Value::numberCharge);
+        stack_.top().setNumber(stack_.top().asNumber() + number);
+        return;
     }
-    return Halt::no;
+    const Value b = Value::number(memory_, number), a = stack_.pop();
+    push(sumOrJoined(movie_, a, b));
 }
 
-Halt Interpreter::performOther(const Instruction& instruction) {
+void Interpreter::addValues() {
+    const Value b = stack_.pop(), a = stack_.pop();
+    push(sumOrJoined(movie_, a, b));
+}
+
+void Interpreter::step(const Instruction& instruction, double by) {
+    if (stack_.size() != 0 && stack_.top().is(ValueType::number))
+        stack_.top().setNumber(stack_.top().asNumber() + by);
+    else
+        calculate(instruction.action);
+}
+
+void Interpreter::pushWhetherLess(double number) {
+    stack_.pushNumber(number);
+    if (!calculateInPlace(Operation::less2)) calculate(Action::less2);
+}
+
+bool Interpreter::popTruth() {
+    if (stack_.size() == 0) return false;
+    const ValueType type = stack_.top().type();
+    const bool truth = type == ValueType::yes || (type != ValueType::no && toBoolean(stack_.top()));
+    stack_.drop();
+    return truth;
+}
+
+bool Interpreter::popWhetherLess() {
+    if (!stack_.hasTwoNumbers()) {
+        calculate(Action::less2);
+        return popTruth();
+    }
+    const bool less = stack_.top(1).asNumber() < stack_.top().asNumber();
+    stack_.drop();
+    stack_.drop();
+    return less;
+}
+
+bool Interpreter::popWhetherLess(double number) {
+    if (stack_.size() == 0 || !stack_.top().is(ValueType::number)) {
+        stack_.pushNumber(number);
+        return popWhetherLess();
+    }
+    if (stack_.makeRoom()) memory_.touch(Value::numberCharge);
+    const bool less = stack_.top().asNumber() < number;
+    stack_.drop();
+    return less;
+}
+
+// --- every instruction
+
+Halt Interpreter::outOfWork() {
+    if (!failed(scripts_.failure)) failRun(scripts_, Result::outOfMemory);
+    return Halt::ended;
+}
+
+Halt Interpreter::run() {
+    Instruction* next = instructionFor(list_.at);
+    while (!memory_.exhausted) {
+        Instruction& instruction = *next++;
+        if (memory_.actionsLeft < instruction.count) return outOfWork();
+        memory_.actionsLeft -= instruction.count;
+        switch (instruction.operation) {
+            case Operation::action:
+                if (const Halt halt = performOther(instruction, next); halt != Halt::no) return halt;
+                break;
+            case Operation::end: return Halt::ended;
+            case Operation::nothing: break;
+            case Operation::pushText: pushText(instruction); break;
+            case Operation::pushNumber: stack_.pushNumber(instruction.number); break;
+            case Operation::pushConstant: stack_.pushConstant(ValueType(instruction.operand)); break;
+            case Operation::pushRegister: pushRegister(instruction.operand); break;
+            case Operation::pushPoolText: pushPoolText(instruction.operand); break;
+
+            case Operation::getVariable: push(getVariable(movie_, popName(), instruction.memo.hint)); break;
+            case Operation::setVariable: setVariableAction(instruction.memo.hint); break;
+            case Operation::getMember: getMemberAction(popName()); break;
+            case Operation::setMember: setMemberAction(); break;
+            case Operation::callFunction:
+                if (callFunction(movie_, popName()) == Called::opened) return goOnBehind(instruction);
+                break;
+            case Operation::callMethod:
+                if (callMethod(movie_, popName()) == Called::opened) return goOnBehind(instruction);
+                break;
+            case Operation::returnValue: scripts_.returned = true; return Halt::ended;
+            case Operation::jump: next = placeOf(instruction); break;
+            case Operation::branch:
+                if (popTruth()) next = placeOf(instruction);
+                break;
+            case Operation::pop: stack_.pop(); break;
+            case Operation::add:
+            case Operation::subtract:
+            case Operation::multiply:
+            case Operation::less2:
+            case Operation::equals2:
+                if (!calculateInPlace(instruction.operation)) calculate(instruction.action);
+                break;
+            case Operation::add2:
+                if (!calculateInPlace(instruction.operation)) addValues();
+                break;
+            case Operation::increment: step(instruction, 1); break;
+            case Operation::decrement: step(instruction, -1); break;
+            case Operation::logicalNot: calculate(instruction.action); break;
+
+            case Operation::getNamed: getNamed(instruction); break;
+            case Operation::stepNamed: stepNamed(instruction); break;
+            case Operation::getSpecial:
+                touchName(nameIn(instruction));
+                push(getVariable(movie_, nameIn(instruction)));
+                break;
+            case Operation::getNamedMember:
+                touchName(nameIn(instruction));
+                getMemberAction(nameIn(instruction));
+                break;
+            case Operation::callNamed:
+                touchName(nameIn(instruction));
+                if (callFunction(movie_, nameIn(instruction)) == Called::opened) return goOnBehind(instruction);
+                break;
+            case Operation::callNamedMethod:
+                touchName(nameIn(instruction));
+                if (callMethod(movie_, nameIn(instruction)) == Called::opened) return goOnBehind(instruction);
+                break;
+            case Operation::addNumber: addNumber(instruction.number); break;
+            case Operation::lessNumber: pushWhetherLess(instruction.number); break;
+            case Operation::branchIfLess:
+                if (popWhetherLess()) next = placeOf(instruction);
+                break;
+            case Operation::branchIfLessNumber:
+                if (popWhetherLess(instruction.number)) next = placeOf(instruction);
+                break;
+            case Operation::branchUnless:
+                if (!popTruth()) next = placeOf(instruction);
+                break;
+        }
+    }
+    return Halt::ended;
+}
+
+Halt Interpreter::performOther(const Instruction& instruction, Instruction*& next) {
     const Memo memo = instruction.memo;
-    const std::span<const std::uint8_t> operands = code().subspan(instruction.operand, memo.next - instruction.operand);
+    const std::span<const std::uint8_t> operands = code_.subspan(instruction.operand, memo.next - instruction.operand);
     switch (instruction.action) {
-        case Action::newObject: return behindCall(instruction, newObjectOf(movie_));
-        case Action::call: return behindCall(instruction, callFrame(movie_));
+        case Action::newObject: return newObjectOf(movie_) == Called::opened ? goOnBehind(instruction) : Halt::no;
+        case Action::call: return callFrame(movie_) == Called::opened ? goOnBehind(instruction) : Halt::no;
         case Action::with: {
             ContentReader reader(operands);
             const std::uint32_t size = reader.u16();
             stack_.pop();
-            goTo(std::min<std::uint32_t>(memo.next + size, static_cast<std::uint32_t>(code().size())));
+            next = instructionFor(std::min<std::uint32_t>(memo.next + size, static_cast<std::uint32_t>(code_.size())));
             return Halt::no;
         }
         case Action::defineFunction:
-            goTo(defineFunction(movie_, list_, ContentReader(operands), memo.next));
+            next = instructionFor(defineFunction(movie_, list_, ContentReader(operands), memo.next));
             return Halt::no;
         default: break;
     }
     if (!performPlainAction(instruction.action, ContentReader(operands)) && !performObjectAction(instruction.action) &&
         !performNumberAction(movie_, instruction.action) && !performTextAction(movie_, instruction.action))
-        performTimelineAction(movie_, instruction.action, ContentReader(operands), code().subspan(memo.next));
+        performTimelineAction(movie_, instruction.action, ContentReader(operands), code_.subspan(memo.next));
     return Halt::no;
 }
 
@@ -330,11 +458,11 @@ bool Interpreter::performObjectAction(Action action) {
     switch (action) {
         case Action::defineLocal: {
             Value value = stack_.pop();
-            defineLocal(movie_, qel::nameOf(movie_, stack_.pop()), std::move(value));
+            defineLocal(movie_, popName(), std::move(value));
             return true;
         }
-        case Action::defineLocal2: defineLocal(movie_, qel::nameOf(movie_, stack_.pop()), {}); return true;
-        case Action::deleteVariable: deleteVariable(movie_, qel::nameOf(movie_, stack_.pop())); return true;
+        case Action::defineLocal2: defineLocal(movie_, popName(), {}); return true;
+        case Action::deleteVariable: deleteVariable(movie_, popName()); return true;
         case Action::getProperty: {
             const double number = numericValue(stack_.pop());
             const Value path = stack_.pop();

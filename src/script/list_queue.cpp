@@ -7,14 +7,6 @@
 namespace qel {
 namespace {
 
-void append(Movie& movie, ActionLevel& level, PoolPtr<ActionList> list) {
-    const bool failedToGrow = failed(level.lists.reserve(movie.pool, ActionLevel::firstCapacity)) ||
-                              failed(level.lists.append(movie.pool, std::move(list)));
-    if (failedToGrow) movie.scripts.memory.exhausted = true;
-}
-
-ActionLevel& nextLevel(ScriptContext& scripts) { return scripts.levels[scripts.level++]; }
-
 Shared<ActionCode> makeCode(Movie& movie, std::span<const std::uint8_t> bytes) {
     Pool& pool = movie.heap;
     PoolPtr<ActionCode> code = makePooled<ActionCode>(pool);
@@ -24,6 +16,15 @@ Shared<ActionCode> makeCode(Movie& movie, std::span<const std::uint8_t> bytes) {
     }
     code->pool = &pool;
     return Shared<ActionCode>(code.release());
+}
+
+// Whether the level has an empty list left, or gets one.
+bool hasRoom(Movie& movie, ActionLevel& level) {
+    PoolArray<PoolPtr<ActionList>>& lists = level.lists;
+    if (level.count < lists.size()) return true;
+    if (lists.capacity() == 0 && failed(lists.reserve(movie.pool, ActionLevel::firstCapacity))) return false;
+    PoolPtr<ActionList> list = makePooled<ActionList>(movie.heap);
+    return list && !failed(lists.append(movie.pool, std::move(list)));
 }
 
 std::uint32_t checksum(std::span<const std::uint8_t> bytes) {
@@ -56,50 +57,25 @@ Shared<ActionCode> shareCode(Movie& movie, std::span<const std::uint8_t> bytes) 
     return place;
 }
 
-PoolPtr<ActionList> makeList(Movie& movie, Shared<ActionCode> code, CodeOwner owner, const Target& target) {
-    ScriptContext& scripts = movie.scripts;
-    PoolPtr<ActionList> list;
-    if (!code) return list;
-    if (scripts.spareLists.empty()) {
-        list = makePooled<ActionList>(movie.heap);
-    } else {
-        list = std::move(scripts.spareLists.back());
-        scripts.spareLists.truncate(scripts.spareLists.size() - 1);
-    }
+ActionList* addList(Movie& movie, ActionLevel& level, Shared<ActionCode> code, CodeOwner owner, const Target& target) {
+    ScriptMemory& memory = movie.scripts.memory;
     const bool charges = owner == CodeOwner::list;
-    if (!list || (charges && !scripts.memory.take(code->bytes.size()))) {
-        scripts.memory.exhausted = true;
-        return {};
+    if (!code || !hasRoom(movie, level) || (charges && !memory.take(code->bytes.size()))) {
+        memory.exhausted = true;
+        return nullptr;
     }
-    if (charges) list->codeChargedTo = &movie.pool;
-    list->code = std::move(code);
-    list->target = target;
+    ActionList& list = *level.lists[level.count++];
+    if (charges) list.codeChargedTo = &movie.pool;
+    list.code = std::move(code);
+    list.target = target;
     if (ClipInstance* clip = target.clip()) ++clip->awaitingLists;
-    return list;
+    return &list;
 }
 
-void appendList(Movie& movie, PoolPtr<ActionList> list) {
-    ScriptContext& scripts = movie.scripts;
-    append(movie, scripts.levels[scripts.level == 0 ? 0 : scripts.level - 1], std::move(list));
-}
-
-void openLevel(Movie& movie, PoolPtr<ActionList> list) { append(movie, nextLevel(movie.scripts), std::move(list)); }
-
-void openLevel(Movie& movie, PoolArray<PoolPtr<ActionList>> lists) {
-    ActionLevel& level = nextLevel(movie.scripts);
-    for (PoolPtr<ActionList>& list : lists) append(movie, level, std::move(list));
-}
-
-void emptyLevel(ScriptContext& scripts, ActionLevel& level) {
-    constexpr std::uint32_t mostSpare = 32;
-    const bool keeps = !failed(scripts.spareLists.reserve(*scripts.memory.uncharged, mostSpare));
-    for (PoolPtr<ActionList>& list : level.lists) {
-        if (!keeps || scripts.spareLists.size() == mostSpare) break;
-        list->clear();
-        scripts.spareLists.appendReserved(std::move(list));
-    }
-    level.lists.truncate(0);
-    level.current = 0;
+void emptyLevel(ActionLevel& level) {
+    for (std::uint32_t i = 0; i < level.count; ++i) level.lists[i]->clear();
+    level.lists.truncate(ActionLevel::firstCapacity);
+    level.count = level.current = 0;
 }
 
 }  // namespace qel

@@ -57,7 +57,7 @@ void finishList(Movie& movie, ActionList& list) {
 void runLevel(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
     ActionLevel& level = scripts.levels[scripts.level - 1];
-    while (level.current < level.lists.size()) {
+    while (level.current < level.count) {
         ActionList& list = *level.lists[level.current];
         scripts.target = list.target;
         scripts.targetSaved = false;
@@ -67,7 +67,7 @@ void runLevel(Movie& movie) {
         finishList(movie, list);
         ++level.current;
     }
-    emptyLevel(scripts, level);
+    emptyLevel(level);
     --scripts.level;
 }
 
@@ -81,13 +81,14 @@ Result runQueue(Movie& movie) {
         result = outcomeOf(scripts);
     }
     if (failed(result)) discardLists(scripts);
+    scripts.memory.actionsLeft = ScriptContext::mostActions;  // conversions outside of runs are work as well
     scripts.stack.clear();
     scripts.target = scripts.savedTarget = {};
     return result;
 }
 
 // Whether anything waits to run.
-bool isIdle(const ScriptContext& scripts) { return scripts.levels[0].lists.empty(); }
+bool isIdle(const ScriptContext& scripts) { return scripts.levels[0].count == 0; }
 
 Result runAndDraw(Movie& movie, ScriptRun run) {
     ScriptContext& scripts = movie.scripts;
@@ -103,7 +104,10 @@ Result runAndDraw(Movie& movie, ScriptRun run) {
 Result initScripts(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
     scripts.memory = {.charged = &movie.pool, .uncharged = &movie.heap, .names = &scripts.nameTable};
+    scripts.memory.actionsLeft = ScriptContext::mostActions;
     scripts.objects.memory = &scripts.memory;
+    scripts.lengthName = makeName(scripts.memory, "length");
+    scripts.valueName = makeName(scripts.memory, "value");
     const auto make = [&](ScriptObject& object, ObjectClass kind, std::string_view name) {
         object.kind = kind;
         object.className = makeText(scripts.memory, name);
@@ -113,7 +117,7 @@ Result initScripts(Movie& movie) {
     make(scripts.number, ObjectClass::number, "Number");
     make(scripts.key, ObjectClass::key, "Key");
     constexpr std::uint32_t firstStack = 128;
-    if (!scripts.stack.reserve(firstStack)) return Result::outOfMemory;
+    if (!scripts.stack.reserve(firstStack) || !reserveObjects(scripts.objects)) return Result::outOfMemory;
     return beginScripts(movie);
 }
 
@@ -128,9 +132,10 @@ Result queueActionList(Movie& movie, std::span<const std::uint8_t> code, ClipIns
     if (code.empty()) return Result::done;
     ClipAnchor* anchor = target ? anchorOf(movie, *target) : nullptr;
     if (target && !anchor) return Result::outOfMemory;
-    PoolPtr<ActionList> list = makeList(movie, shareCode(movie, code), CodeOwner::list, Target(anchor));
-    if (list) appendList(movie, std::move(list));
-    return outcomeOf(movie.scripts);
+    ScriptContext& scripts = movie.scripts;
+    ActionLevel& level = scripts.levels[scripts.level == 0 ? 0 : scripts.level - 1];
+    addList(movie, level, shareCode(movie, code), CodeOwner::list, Target(anchor));
+    return outcomeOf(scripts);
 }
 
 Result runScripts(Movie& movie, ScriptRun run) {

@@ -71,7 +71,7 @@ Name makeName(ScriptMemory& memory, std::string_view bytes) {
 }
 
 Name indexName(ScriptMemory& memory, std::int32_t index) {
-    constexpr std::int32_t mostKept = 4096;
+    constexpr std::int32_t mostKept = 16384;
     const bool isKept = index >= 0 && index < mostKept;
     PoolArray<Name>& kept = memory.names->indexes;
     const auto at = static_cast<std::uint32_t>(index);

@@ -16,34 +16,37 @@ namespace {
 
 // --- arrays
 
-std::int32_t lengthOf(ScriptMemory& memory, const ScriptObject& array) {
-    const Name name = makeName(memory, "length");
-    const Value* length = name ? propertyOf(array, name) : nullptr;
+std::int32_t lengthOf(const ScriptContext& scripts, const ScriptObject& array) {
+    const Value* length = propertyOf(array, scripts.lengthName);
     return length ? toInt32(numericValue(*length)) : 0;
 }
 
-void setLength(ScriptMemory& memory, ScriptObject& array, double length) {
-    setPropertyValue(memory, array, "length", Value::number(memory, length));
+void setLength(ScriptContext& scripts, ScriptObject& array, double length) {
+    setPropertyValue(scripts.memory, array, scripts.lengthName, Value::number(scripts.memory, length));
 }
+
+// The index behind another one, in 32 bits.
+std::int32_t nextIndex(std::int32_t index) { return wrap32(std::int64_t{index} + 1); }
 
 Value pushElement(const MethodCall& call, ScriptObject& array) {
     if (call.arguments.empty()) return {};
-    ScriptMemory& memory = call.movie.scripts.memory;
-    const std::int32_t length = lengthOf(memory, array);
+    ScriptContext& scripts = call.movie.scripts;
+    ScriptMemory& memory = scripts.memory;
+    const std::int32_t length = lengthOf(scripts, array);
     setPropertyValue(memory, array, indexName(memory, length), call.arguments[0].copy());
-    setLength(memory, array, length + 1.0);
+    setLength(scripts, array, length + 1.0);
     return Value::number(memory, length + 1.0);
 }
 
 Value popElement(const MethodCall& call, ScriptObject& array) {
-    ScriptMemory& memory = call.movie.scripts.memory;
-    const std::int32_t length = lengthOf(memory, array);
+    ScriptContext& scripts = call.movie.scripts;
+    const std::int32_t length = lengthOf(scripts, array);
     if (length < 1) return {};
-    const Name key = indexName(memory, length - 1);
+    const Name key = indexName(scripts.memory, length - 1);
     Variable* element = key ? array.properties.find(key) : nullptr;
     Value value;
     if (element) std::swap(value, element->value);
-    setLength(memory, array, length - 1.0);
+    setLength(scripts, array, length - 1.0);
     return value;
 }
 
@@ -57,20 +60,23 @@ Value concatArrays(const MethodCall& call, ScriptObject& array) {
     spend(call.movie.scripts, array.properties.size());
     for (std::uint32_t i = 0; i < array.properties.size(); ++i)
         setPropertyValue(memory, *made, array.properties[i].name, array.properties[i].value.copy());
-    std::int32_t next = lengthOf(memory, array);
+    std::int32_t next = lengthOf(call.movie.scripts, array);
     for (Value& argument : call.arguments) {
         const bool isArray = argument.is(ValueType::object) && argument.asObject().kind == ObjectClass::array;
         if (!isArray) {
-            setPropertyValue(memory, *made, indexName(memory, next++), std::move(argument));
+            setPropertyValue(memory, *made, indexName(memory, next), std::move(argument));
+            next = nextIndex(next);
             continue;
         }
         VariableList& elements = argument.asObject().properties;
         spend(call.movie.scripts, elements.size());
-        for (std::uint32_t i = 0; i < elements.size() && !memory.exhausted; ++i)
-            if (!isLength(elements[i].name))
-                setPropertyValue(memory, *made, indexName(memory, next++), elements[i].value.copy());
+        for (std::uint32_t i = 0; i < elements.size() && !memory.exhausted; ++i) {
+            if (isLength(elements[i].name)) continue;
+            setPropertyValue(memory, *made, indexName(memory, next), elements[i].value.copy());
+            next = nextIndex(next);
+        }
     }
-    setLength(memory, *made, next);
+    setLength(call.movie.scripts, *made, next);
     return result;
 }
 
@@ -85,8 +91,7 @@ Value callArrayMethod(const MethodCall& call, ScriptObject& array) {
 
 Value numberText(const MethodCall& call, const ScriptObject& object) {
     ScriptMemory& memory = call.movie.scripts.memory;
-    const Name name = makeName(memory, "value");
-    const Value* value = name ? propertyOf(object, name) : nullptr;
+    const Value* value = propertyOf(object, call.movie.scripts.valueName);
     const double whole = value ? truncated(numericValue(*value)) : 0;
     const double radix = call.arguments.empty() ? 10 : truncated(numericValue(call.arguments[0]));
     constexpr int hexadecimal = 16, binary = 2;
@@ -138,12 +143,12 @@ Value objectMember(Movie& movie, const ScriptObject& object, const Name& key) {
 }
 
 // An array grows to hold a new index.
-void growArray(ScriptMemory& memory, ScriptObject& array, const Name& name) {
+void growArray(ScriptContext& scripts, ScriptObject& array, const Name& name) {
     if (array.className.view() != "Array" || isLength(name)) return;
     const std::optional<double> number = parseNumber(name.view());
     if (!number || formatInteger(toInt32(*number)).view() != name.view()) return;
     const std::int32_t index = toInt32(*number);
-    if (index >= 0 && index + 1.0 > lengthOf(memory, array)) setLength(memory, array, index + 1.0);
+    if (index >= 0 && index + 1.0 > lengthOf(scripts, array)) setLength(scripts, array, index + 1.0);
 }
 
 }  // namespace
@@ -155,7 +160,7 @@ Value makeArray(Movie& movie, Arguments elements) {
     Value array = Value::object(*made);
     std::int32_t index = 0;
     for (Value& element : elements) setPropertyValue(memory, *made, indexName(memory, index++), std::move(element));
-    setLength(memory, *made, index);
+    setLength(movie.scripts, *made, index);
     return array;
 }
 
@@ -168,7 +173,8 @@ bool constructBuiltIn(Movie& movie, std::string_view className, Arguments argume
     if (className == "Array") {
         const bool onlyLength = arguments.size() == 1 && arguments[0].is(ValueType::number);
         made = makeArray(movie, onlyLength ? Arguments() : arguments);
-        if (onlyLength && made.is(ValueType::object)) setLength(memory, made.asObject(), arguments[0].asNumber());
+        if (onlyLength && made.is(ValueType::object))
+            setLength(movie.scripts, made.asObject(), arguments[0].asNumber());
         return true;
     }
     const bool isNumber = className == "Number";
@@ -227,7 +233,7 @@ void setMember(Movie& movie, const Value& object, const Name& name, Value value)
     if (object.is(ValueType::clip)) return setClipMember(movie, Target(object.asAnchor()), name, std::move(value));
     if (!object.is(ValueType::object)) return;
     setPropertyValue(movie.scripts.memory, object.asObject(), name, std::move(value));
-    growArray(movie.scripts.memory, object.asObject(), name);
+    growArray(movie.scripts, object.asObject(), name);
 }
 
 }  // namespace qel

@@ -31,13 +31,23 @@ Operation operationOf(Action action) {
     }
 }
 
-// What becomes of an action that finds its name pushed in front of it.
-Operation namedOperation(Operation operation) {
+// What becomes of a pushed text and the action that takes it as its name.
+Operation namedOperation(Operation operation, const Text& name) {
     switch (operation) {
-        case Operation::getVariable: return Operation::getNamed;
+        case Operation::getVariable:
+            return name.known == KnownName::none && !name.hasColon ? Operation::getNamed : Operation::getSpecial;
         case Operation::getMember: return Operation::getNamedMember;
         case Operation::callFunction: return Operation::callNamed;
         case Operation::callMethod: return Operation::callNamedMethod;
+        default: return Operation::action;
+    }
+}
+
+// What becomes of a pushed number and the action that takes it.
+Operation numberOperation(Operation operation) {
+    switch (operation) {
+        case Operation::add2: return Operation::addNumber;
+        case Operation::less2: return Operation::lessNumber;
         default: return Operation::action;
     }
 }
@@ -55,13 +65,13 @@ class Translator {
     // Goes on until the code ends, jumps, comes to what is ready, or is long enough.
     void translate(std::uint32_t at) {
         constexpr std::uint32_t longStretch = 512;
-        const std::uint32_t first = program_.instructions.size();
+        first_ = program_.instructions.size();
         at_ = at;
         while (!memory_.exhausted) {
             const bool known = program_.starts[at_] != 0;
-            if (known || program_.instructions.size() - first > longStretch) return jumpTo(at_);
+            if (known || program_.instructions.size() - first_ > longStretch) return jumpTo(at_);
+            begin_ = at_;
             program_.starts[at_] = program_.instructions.size() + 1;
-            lastText_ = none;
             if (!action()) return;
         }
     }
@@ -76,20 +86,27 @@ class Translator {
         if (failed(program_.instructions.append(*memory_.uncharged, instruction))) memory_.exhausted = true;
     }
     void add(Operation operation, std::uint32_t operand, Action action = Action::end) {
-        add(Instruction{operation, action, 0, operand, {.memo = {0, at_}}});
+        add(Instruction{operation, action, 0, operand, {0, at_}, {.name = nullptr}});
     }
-    void addNumber(double number) { add(Instruction{Operation::pushNumber, Action::end, 0, 0, {.number = number}}); }
+    void addNumber(double number) {
+        last_ = program_.instructions.size();
+        add(Instruction{Operation::pushNumber, Action::end, 0, 0, {0, at_}, {.number = number}});
+    }
+    Instruction& lastAdded() { return program_.instructions.back(); }
     void jumpTo(std::uint32_t at) { add(Operation::jump, at); }
     bool end() {
         add(Operation::end, 0);
         return false;
     }
 
-    std::uint32_t nameFor(std::string_view bytes) {
-        const std::uint32_t index = program_.names.size();
+    // Null when memory is exhausted.
+    Text* nameFor(std::string_view bytes) {
         Name name = makeName(memory_, bytes);
-        if (name && failed(program_.names.append(*memory_.uncharged, std::move(name)))) memory_.exhausted = true;
-        return index;
+        if (!name) return nullptr;
+        Text* const text = &*name;
+        if (!failed(program_.names.append(*memory_.uncharged, std::move(name)))) return text;
+        memory_.exhausted = true;
+        return nullptr;
     }
 
     // False behind the last action of a stretch.
@@ -110,6 +127,7 @@ class Translator {
             case Action::branchIf: return jump(action, ContentReader(bytes));
             default: break;
         }
+        if (action == Action::setVariable && joinWithStep()) return true;
         add(operationOf(action), operands, action);
         return !endsStretch(action);
     }
@@ -123,21 +141,61 @@ class Translator {
         }
         const std::int64_t to = std::int64_t{at_} + offset;
         const auto size = static_cast<std::int64_t>(code_.size());
-        add(action == Action::jump ? Operation::jump : Operation::branch,
-            static_cast<std::uint32_t>(to < 0 || to > size ? size : to));
+        const auto place = static_cast<std::uint32_t>(to < 0 || to > size ? size : to);
+        if (action == Action::branchIf && joinWithComparison(place)) return true;
+        add(action == Action::jump ? Operation::jump : Operation::branch, place);
         return action == Action::branchIf;
+    }
+
+    // What is compared in front of an If mostly decides there and nowhere else: both become one instruction.
+    bool joinWithComparison(std::uint32_t place) {
+        if (program_.instructions.size() == first_) return false;
+        Instruction& comparison = lastAdded();
+        switch (comparison.operation) {
+            case Operation::less2: comparison.operation = Operation::branchIfLess; break;
+            case Operation::lessNumber: comparison.operation = Operation::branchIfLessNumber; break;
+            case Operation::logicalNot: comparison.operation = Operation::branchUnless; break;
+            default: return false;
+        }
+        program_.starts[begin_] = 0;  // a jump to the If itself finds it by itself
+        comparison.count = static_cast<std::uint16_t>(comparison.count + count_);
+        comparison.operand = place;
+        comparison.memo = {0, at_};
+        count_ = 0;
+        return true;
+    }
+
+    // A variable that counts: both its names, the step and the action that sets it become one instruction.
+    bool joinWithStep() {
+        constexpr std::uint32_t parts = 3;
+        const std::uint32_t count = program_.instructions.size();
+        if (count - first_ < parts) return false;
+        Instruction* const part = &program_.instructions[count - parts];
+        const bool steps = part[2].operation == Operation::increment || part[2].operation == Operation::decrement;
+        const bool named = part[0].operation == Operation::pushText && part[1].operation == Operation::getNamed &&
+                           part[0].name == part[1].name;
+        if (!steps || !named) return false;
+        // A jump into the middle finds the actions there by itself.
+        program_.starts[part[1].memo.next] = program_.starts[begin_] = 0;
+        part[0].operation = Operation::stepNamed;
+        part[0].action = part[2].action;
+        part[0].count = static_cast<std::uint16_t>(part[0].count + part[1].count + part[2].count + count_);
+        part[0].memo = {0, at_};
+        program_.instructions.truncate(count - 2);
+        count_ = 0;
+        return true;
     }
 
     bool values(ContentReader operands) {
         while (operands.available(1) && !memory_.exhausted) {
             if (count_ == mostCounted) add(Operation::nothing, 0);
             ++count_;
-            lastText_ = none;
+            last_ = none;
             value(operands);
             if (!operands.ok()) return end();  // cut short
         }
         if (count_ != 0) add(Operation::nothing, 0);
-        if (lastText_ != none) joinWithAction();
+        if (last_ != none) joinWithAction();
         return true;
     }
 
@@ -183,9 +241,11 @@ class Translator {
         std::size_t length = 0;
         while (length < rest.size() && rest[length] != 0) ++length;
         operands.skip(std::min(length + 1, rest.size()));
+        Text* const name = nameFor({reinterpret_cast<const char*>(rest.data()), length});
         // What reads as a tag is no text.
-        if (length == 0 || rest[0] > lastTag) lastText_ = program_.instructions.size();
-        add(Operation::pushText, nameFor({reinterpret_cast<const char*>(rest.data()), length}));
+        if (length == 0 || rest[0] > lastTag) last_ = program_.instructions.size();
+        add(Operation::pushText, program_.names.size() - 1);
+        if (!memory_.exhausted) lastAdded().name = name;
     }
 
     void real(ContentReader& operands) {
@@ -200,49 +260,50 @@ class Translator {
         }
     }
 
-    // The action behind a pushed text often takes it as its name: both become one instruction.
+    // The action behind a pushed value often takes it at once: both become one instruction.
     void joinWithAction() {
         if (memory_.exhausted || at_ == code_.size()) return;
         const auto action = static_cast<Action>(code_[at_]);
-        const Operation named = namedOperation(operationOf(action));
-        if (named == Operation::action) return;
+        Instruction& joined = program_.instructions[last_];
+        const bool isText = joined.operation == Operation::pushText;
+        const Operation operation =
+            isText ? namedOperation(operationOf(action), *joined.name) : numberOperation(operationOf(action));
+        if (operation == Operation::action) return;
         ++at_;
-        Instruction& joined = program_.instructions[lastText_];
-        joined.operation = named;
+        joined.operation = operation;
         joined.action = action;
         ++joined.count;
-        joined.memo = {0, at_};
+        joined.memo.next = at_;
     }
 
     ScriptMemory& memory_;
     Program& program_;
     std::span<const std::uint8_t> code_;
-    std::uint32_t at_ = 0;
-    std::uint16_t count_ = 0;        // actions and values that no instruction stands for yet
-    std::uint32_t lastText_ = none;  // the instruction that pushes the last value, if that is a text
+    std::uint32_t first_ = 0;    // instruction of the stretch
+    std::uint32_t begin_ = 0;    // of the action
+    std::uint32_t at_ = 0;       // behind what was read
+    std::uint16_t count_ = 0;    // actions and values that no instruction stands for yet
+    std::uint32_t last_ = none;  // the instruction that pushes the last value of a Push
 };
 
 }  // namespace
 
-std::uint32_t instructionAt(ScriptMemory& memory, Program& program, std::span<const std::uint8_t> code,
-                            std::uint32_t at) {
+std::uint32_t makeReady(ScriptMemory& memory, Program& program, std::span<const std::uint8_t> code, std::uint32_t at) {
     const auto size = static_cast<std::uint32_t>(code.size());
     if (program.starts.empty() && failed(program.starts.assignZeros(*memory.uncharged, size + 1))) {
         memory.exhausted = true;
         return 0;
     }
-    if (program.starts[at] == 0) {
-        // Actions that overlap could be made ready without end: then everything is forgotten, which counts as work.
-        constexpr std::uint32_t mostPerByte = 2, least = 1024;
-        if (program.instructions.size() / mostPerByte > size + least) {
-            memory.spend(program.instructions.size());
-            ++program.generation;
-            program.instructions.truncate(0);
-            program.names.truncate(0);
-            for (std::uint32_t& start : program.starts) start = 0;
-        }
-        Translator(memory, program, code).translate(at);
+    // Actions that overlap could be made ready without end: then everything is forgotten, which counts as work.
+    constexpr std::uint32_t mostPerByte = 2, least = 1024;
+    if (program.instructions.size() / mostPerByte > size + least) {
+        memory.spend(program.instructions.size());
+        ++program.generation;
+        program.instructions.truncate(0);
+        program.names.truncate(0);
+        for (std::uint32_t& start : program.starts) start = 0;
     }
+    Translator(memory, program, code).translate(at);
     return memory.exhausted ? 0 : program.starts[at] - 1;
 }
 

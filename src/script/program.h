@@ -14,18 +14,16 @@ namespace qel {
 enum class Operation : std::uint8_t {
     action,  // any other action: `operand` is where its operands begin
     end,
+    nothing,  // a value that pushes nothing
+
     // Values of Push.
-    pushText,      // `operand`: among the names
+    pushText,      // `name`
     pushNumber,    // `number`
     pushConstant,  // `operand`: its ValueType
     pushRegister,  // `operand`: its number
     pushPoolText,  // `operand`: its index
-    nothing,       // a value that pushes nothing
-    // The actions of loops and calls. `operand` of those with a name: among the names.
-    getNamed,         // a pushed text, then GetVariable
-    getNamedMember,   // a pushed text, then GetMember
-    callNamed,        // a pushed text, then CallFunction
-    callNamedMethod,  // a pushed text, then CallMethod
+
+    // The actions of loops and calls.
     getVariable,
     setVariable,
     getMember,
@@ -45,6 +43,21 @@ enum class Operation : std::uint8_t {
     less2,
     equals2,
     logicalNot,
+
+    // A text is pushed, `name`, and taken by the action behind it.
+    getNamed,    // GetVariable; the name is a variable's and has no path
+    getSpecial,  // GetVariable
+    getNamedMember,
+    callNamed,
+    callNamedMethod,
+    stepNamed,  // twice: GetVariable, Increment or Decrement, SetVariable
+    // A number is pushed, `number`, and taken by the action behind it.
+    addNumber,
+    lessNumber,
+    // A comparison, or a Not, decides whether it goes on at `operand`.
+    branchIfLess,
+    branchIfLessNumber,  // than `number`
+    branchUnless,
 };
 
 // What an instruction knows of its surroundings.
@@ -55,12 +68,13 @@ struct Memo {
 
 struct Instruction {
     Operation operation;
-    Action action;        // of Operation::action
+    Action action;        // of those that come of one action
     std::uint16_t count;  // how many actions and values it stands for
     std::uint32_t operand;
+    Memo memo;
     union {
-        double number;  // of pushNumber
-        Memo memo;      // of all others
+        double number;
+        Text* name;  // held by the program
     };
 };
 
@@ -73,8 +87,12 @@ struct Program {
 
 // The instruction at a place in the code, or at its end; behind it, what follows is ready too as far as its stretch
 // goes. The program may be made anew: indexes of before count no longer. Nothing is ready when memory is exhausted.
-std::uint32_t instructionAt(ScriptMemory& memory, Program& program, std::span<const std::uint8_t> code,
-                            std::uint32_t at);
+std::uint32_t makeReady(ScriptMemory& memory, Program& program, std::span<const std::uint8_t> code, std::uint32_t at);
+inline std::uint32_t instructionAt(ScriptMemory& memory, Program& program, std::span<const std::uint8_t> code,
+                                   std::uint32_t at) {
+    const bool ready = !program.starts.empty() && program.starts[at] != 0;
+    return ready ? program.starts[at] - 1 : makeReady(memory, program, code, at);
+}
 
 template <>
 inline constexpr std::uint32_t charge<struct Instruction> = 0;  // the device runs the bytes

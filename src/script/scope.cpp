@@ -2,6 +2,7 @@
 
 #include "movie/movie.h"
 #include "script/clip_paths.h"
+#include "script/scope_search.h"
 #include "script/script_state.h"
 
 namespace qel {
@@ -29,35 +30,12 @@ Reference referenceOf(Movie& movie, const Name& name) {
     return reference;
 }
 
-VariableList* localsOf(Movie& movie) {
-    const ActionList* list = runningList(movie);
-    return list && list->function ? &list->function->locals : nullptr;
-}
-
-VariableList* targetList(Movie& movie) {
-    ScriptContext& scripts = movie.scripts;
-    if (scripts.target.isRoot()) return &scripts.variables;
-    ClipInstance* clip = scripts.target.clip();
-    return clip ? &clip->variables : nullptr;
-}
-
-// The scopes of a name without a path: the locals of the function that runs, the target, the root.
-Variable* findInScope(Movie& movie, const Name& name, std::uint32_t& hint) {
-    ScriptContext& scripts = movie.scripts;
-    VariableList* const locals = localsOf(movie);
-    if (Variable* found = locals ? locals->find(name, hint) : nullptr) return found;
-    VariableList* const target = targetList(movie);
-    if (target && target != &scripts.variables)
-        if (Variable* found = target->find(name, hint)) return found;
-    return scripts.variables.find(name, hint);
-}
-
 Variable* find(Movie& movie, const Reference& reference) {
     if (!reference.name || reference.where == Reference::Where::nowhere) return nullptr;
     const Name& name = reference.name;
     if (reference.where == Reference::Where::clip) return reference.clip->variables.find(name);
     std::uint32_t hint = 0;
-    return findInScope(movie, name, hint);
+    return findInScope(movie.scripts, runningList(movie), *name, hint);
 }
 
 // What stands for itself, whatever variables there are.
@@ -97,7 +75,7 @@ ActionList* runningList(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
     if (scripts.level == 0) return nullptr;
     ActionLevel& level = scripts.levels[scripts.level - 1];
-    return level.current < level.lists.size() ? level.lists[level.current].get() : nullptr;
+    return level.current < level.count ? level.lists[level.current].get() : nullptr;
 }
 
 Value clipValue(Movie& movie, ClipInstance* clip) {
@@ -111,7 +89,8 @@ Value targetValue(Movie& movie, const Target& target) { return Value::clip(movie
 Value getVariable(Movie& movie, const Name& name, std::uint32_t& hint) {
     if (!name) return {};
     if (!name->hasColon && name->known == KnownName::none)
-        if (const Variable* variable = findInScope(movie, name, hint)) return variable->value.copy();
+        if (const Variable* variable = findInScope(movie.scripts, runningList(movie), *name, hint))
+            return variable->value.copy();
     const Reference reference = referenceOf(movie, name);
     if (!reference.name || reference.where == Reference::Where::nowhere) return {};
     const bool inScope = reference.where == Reference::Where::scope;
@@ -137,11 +116,13 @@ const Value* findVariable(Movie& movie, const Name& name) {
 void setVariable(Movie& movie, const Name& name, Value value, std::uint32_t& hint) {
     if (!name) return;
     if (!name->hasColon)
-        if (Variable* variable = findInScope(movie, name, hint)) return replace(*variable, std::move(value));
+        if (Variable* variable = findInScope(movie.scripts, runningList(movie), *name, hint))
+            return replace(*variable, std::move(value));
     const Reference reference = referenceOf(movie, name);
     if (reference.where == Reference::Where::nowhere) return;
     if (Variable* variable = find(movie, reference)) return replace(*variable, std::move(value));
-    VariableList* list = reference.where == Reference::Where::clip ? &reference.clip->variables : targetList(movie);
+    VariableList* list =
+        reference.where == Reference::Where::clip ? &reference.clip->variables : targetList(movie.scripts);
     if (list) storeVariable(movie, *list, reference.name, std::move(value));
 }
 
@@ -149,8 +130,8 @@ void defineLocal(Movie& movie, const Name& name, Value value) {
     if (!name) return;
     const Reference reference = referenceOf(movie, name);
     if (reference.where == Reference::Where::nowhere) return;
-    VariableList* locals = localsOf(movie);
-    VariableList* list = locals ? locals : targetList(movie);
+    VariableList* locals = localsOf(runningList(movie));
+    VariableList* list = locals ? locals : targetList(movie.scripts);
     if (!list) return;
     Variable* variable = list->findOrAdd(movie.scripts.memory, reference.name);
     if (!variable) return;
@@ -166,7 +147,9 @@ void deleteVariable(Movie& movie, const Name& name) {
 
 void storeVariable(Movie& movie, VariableList& list, const Name& name, Value value) {
     Variable* variable = list.findOrAdd(movie.scripts.memory, name);
-    if (variable) replace(*variable, std::move(value));
+    if (!variable) return;
+    addUse(value);
+    std::swap(variable->value, value);  // the device does not count that the old one goes
 }
 
 }  // namespace qel

@@ -47,6 +47,7 @@ struct ScriptContext {
 
     ScriptMemory memory;
     NameTable nameTable;
+    Name lengthName, valueName;  // what objects of the device call their own properties
     ObjectTable objects;
     ScriptObject math, string, number, key;  // reached by name, never freed
     ScriptFunction* firstFunction = nullptr;
@@ -57,10 +58,9 @@ struct ScriptContext {
     std::uint32_t startTime = 0;  // milliseconds of the host's clock
     RandomState random;
 
-    // What is made again and again, kept for the next time.
+    // Code that was made lately, for the next time.
     static constexpr std::uint32_t recentCodes = 64;
     std::array<Shared<ActionCode>, recentCodes> recentCode;
-    PoolArray<PoolPtr<ActionList>> spareLists;
 
     // The run.
     std::array<ActionLevel, mostLevels> levels;

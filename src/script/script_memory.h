@@ -2,6 +2,8 @@
 // the budget refuses marks the run as failed, and everything that happens until the run notices is harmless.
 #pragma once
 
+#include <cstddef>
+
 #include "movie/pool.h"
 
 namespace qel {
@@ -15,9 +17,9 @@ struct alignas(16) ScriptMemory {
     std::uint32_t actionsLeft = 0;  // of the run
     bool exhausted = false;
 
-    // Charges the device's bytes of a value. Nothing more is charged once memory is exhausted.
+    // Charges the device's bytes of a value.
     bool take(std::uint32_t bytes) {
-        if (!exhausted && chargeOnly(*charged, bytes)) return true;
+        if (chargeOnly(*charged, bytes)) return true;
         exhausted = true;
         return false;
     }
@@ -37,5 +39,8 @@ struct alignas(16) ScriptMemory {
         actionsLeft = work < actionsLeft ? actionsLeft - static_cast<std::uint32_t>(work) : 0;
     }
 };
+
+// It lies in memory of the host's, which is aligned for any type; values keep their type in the low bits of its address.
+static_assert(alignof(ScriptMemory) <= alignof(std::max_align_t));
 
 }  // namespace qel

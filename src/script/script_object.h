@@ -44,12 +44,12 @@ inline constexpr std::uint32_t charge<struct ScriptObject> = 24;
 // All objects that scripts have made. The device keeps them in a table that doubles, and frees what nobody gave back
 // with the table.
 struct ObjectTable {
-    static constexpr std::uint32_t firstCapacity = 50;
-
     ScriptMemory* memory = nullptr;
     PoolArray<ScriptObject*> slots;
-    std::uint32_t capacity = 0, lowestFree = 0;
+    std::uint32_t lowestFree = 0;
     ScriptObject* first = nullptr;
+    ScriptObject* doomed = nullptr;  // those that are being destroyed, linked by `next`
+    bool destroying = false;
 
     ObjectTable() = default;
     ObjectTable(const ObjectTable&) = delete;
@@ -60,6 +60,9 @@ struct ObjectTable {
 
 template <>
 inline constexpr std::uint32_t charge<struct ScriptObject*> = 4;
+
+// Room for the first objects.
+bool reserveObjects(ObjectTable& table);
 
 // An empty object of the kind that the class name selects. Null when memory is exhausted.
 ScriptObject* newObject(ObjectTable& table, std::string_view className);

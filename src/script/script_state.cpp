@@ -1,14 +1,12 @@
 #include "script/script_state.h"
 
 #include "script/define_function.h"
+#include "script/list_queue.h"
 
 namespace qel {
 
 void discardLists(ScriptContext& scripts) {
-    for (ActionLevel& level : scripts.levels) {
-        level.lists.truncate(0);
-        level.current = 0;
-    }
+    for (ActionLevel& level : scripts.levels) emptyLevel(level);
     scripts.level = 0;
 }
 

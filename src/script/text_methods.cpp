@@ -66,6 +66,7 @@ double indexOf(const MethodCall& call, std::string_view text) {
         if (given < 0 || static_cast<std::size_t>(given) >= text.size()) return notFound;
         start = static_cast<std::size_t>(given);
     }
+    spendText(call.movie.scripts, text.size() * std::max<std::size_t>(wanted.view().size(), 1));
     const std::size_t found = text.find(wanted.view(), start);
     return found == std::string_view::npos ? notFound : static_cast<double>(found);
 }

@@ -52,13 +52,13 @@ class Value {
     // Where memory is exhausted these give `undefined` and mark it. A text whose first byte is that of a tag reads as
     // that constant, or as `undefined` where the tag promises more than a byte.
     static Value number(ScriptMemory& memory, double number) {
-        Value value;
-        if (!memory.take(numberCharge)) return value;
-        value.become(&memory, ValueType::number, nullptr);
-        value.setNumber(number);
-        return value;
+        return memory.take(numberCharge) ? Value(memory, number) : Value();
     }
     static Value text(ScriptMemory& memory, TextHold text);
+    // The text of a name that does not begin like a tag.
+    static Value plainText(ScriptMemory& memory, Text& name) {
+        return memory.take(textCharge(name)) ? Value(memory, name) : Value();
+    }
     static Value text(ScriptMemory& memory, std::string_view bytes) { return text(memory, makeText(memory, bytes)); }
     static Value clip(ScriptMemory& memory, ClipAnchor* anchor);  // null: the root timeline
     static Value object(ScriptObject& object);
@@ -71,6 +71,10 @@ class Value {
         return *this;
     }
     Value(const Value&) = delete;
+    friend void swap(Value& a, Value& b) noexcept {
+        std::swap(a.word_, b.word_);
+        std::swap(a.payload_, b.payload_);
+    }
     ~Value() {
         if (is(ValueType::number))
             memory().giveBack(numberCharge);
@@ -94,6 +98,16 @@ class Value {
     void setNumber(double number) { payload_ = std::bit_cast<std::uint64_t>(number); }
 
   private:
+    Value(ScriptMemory& memory, double number)
+        : word_(reinterpret_cast<std::uintptr_t>(&memory) | static_cast<std::uintptr_t>(ValueType::number)),
+          payload_(std::bit_cast<std::uint64_t>(number)) {}
+
+    Value(ScriptMemory& memory, Text& text)
+        : word_(reinterpret_cast<std::uintptr_t>(&memory) | static_cast<std::uintptr_t>(ValueType::text)),
+          payload_(reinterpret_cast<std::uintptr_t>(&text)) {
+        ++text.holders;
+    }
+
     static constexpr std::uintptr_t typeBits = 15;  // ScriptMemory lies at multiples of 16
     static constexpr auto undefinedWord = static_cast<std::uintptr_t>(ValueType::undefined);
 

@@ -19,25 +19,29 @@ class VariableList {
     VariableList(const VariableList&) = delete;
     ~VariableList() { clear(); }
 
-    Variable* find(const Name& name);
+    // The text is that of a name.
+    Variable* find(const Text& name);
     // The same for one who asks again and again: `hint` is where it was found last time, here or in another list.
-    Variable* find(const Name& name, std::uint32_t& hint) {
-        if (hint < variables_.size() && variables_[hint].name == name) return &variables_[hint];
-        Variable* found = find(name);
-        if (found) hint = static_cast<std::uint32_t>(found - variables_.begin());
-        return found;
+    Variable* find(const Text& name, std::uint32_t& hint) {
+        if (hint < variables_.size() && &*variables_[hint].name == &name) return &variables_[hint];
+        return variables_.empty() ? nullptr : search(name, hint);
     }
-    const Variable* find(const Name& name) const { return const_cast<VariableList*>(this)->find(name); }
+    Variable* find(const Name& name) { return find(*name); }
+    const Variable* find(const Name& name) const { return const_cast<VariableList*>(this)->find(*name); }
 
     // A new one, with `undefined`. Null when memory is exhausted.
     Variable* add(ScriptMemory& memory, const Name& name);
-    Variable* findOrAdd(ScriptMemory& memory, const Name& name);
+    Variable* findOrAdd(ScriptMemory& memory, const Name& name) {
+        Variable* found = name && !variables_.empty() ? find(name) : nullptr;
+        return found ? found : add(memory, name);
+    }
 
     void clear();
     std::uint32_t size() const { return variables_.size(); }
     Variable& operator[](std::uint32_t index) { return variables_[index]; }
 
   private:
+    Variable* search(const Text& name, std::uint32_t& hint);
     bool index();
     void enter(std::uint32_t at);
 
