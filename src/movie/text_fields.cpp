@@ -41,7 +41,7 @@ Result followVariable(Movie& movie, TextInstance& instance) {
     if (!instance.variable) instance.variable = makeName(scripts.memory, variable.begin());
     Target target;
     if (!instance.variable || failed(targetFor(movie, instance, target))) return Result::outOfMemory;
-    scripts.memory.actionsLeft = ScriptContext::mostActions;
+    scripts.memory.actionsLeft = scripts.actionLimit;
     std::swap(scripts.target, target);
     const Value* value = findVariable(movie, instance.variable);
     const TextHold text = value ? toText(movie, *value) : TextHold();

@@ -73,7 +73,7 @@ void runLevel(Movie& movie) {
 
 Result runQueue(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
-    scripts.memory.actionsLeft = ScriptContext::mostActions;
+    scripts.memory.actionsLeft = scripts.actionLimit;
     scripts.level = 1;
     Result result = Result::done;
     while (scripts.level != 0 && !failed(result)) {
@@ -81,7 +81,7 @@ Result runQueue(Movie& movie) {
         result = outcomeOf(scripts);
     }
     if (failed(result)) discardLists(scripts);
-    scripts.memory.actionsLeft = ScriptContext::mostActions;  // conversions outside of runs are work as well
+    scripts.memory.actionsLeft = scripts.actionLimit;  // conversions outside of runs are work as well
     scripts.stack.clear();
     scripts.target = scripts.savedTarget = {};
     return result;
@@ -104,7 +104,7 @@ Result runAndDraw(Movie& movie, ScriptRun run) {
 Result initScripts(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
     scripts.memory = {.charged = &movie.pool, .uncharged = &movie.heap, .names = &scripts.nameTable};
-    scripts.memory.actionsLeft = ScriptContext::mostActions;
+    scripts.memory.actionsLeft = scripts.actionLimit;
     scripts.objects.memory = &scripts.memory;
     scripts.lengthName = makeName(scripts.memory, "length");
     scripts.valueName = makeName(scripts.memory, "value");

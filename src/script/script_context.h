@@ -35,8 +35,8 @@ struct LabelEntry {
 struct ScriptContext {
     static constexpr std::uint32_t mostLevels = 30;
     static constexpr std::uint32_t registerCount = 4;
-    static constexpr std::uint32_t mostActions = 20'000'000;  // in one run; then it fails
 
+    std::uint32_t actionLimit = 20'000'000;                 // of one run, which fails when they are used up
     std::uint8_t nextButtonKey = 0, previousButtonKey = 0;  // the navigation keys; 0: none
     bool gotoMark = false;                                  // a goto passes over frames: their actions are not queued
     PoolArray<NameEntry> names;
