@@ -38,13 +38,17 @@ struct Pool {
 void* allocateBlock(Pool& pool, std::size_t size, std::uint32_t charge);
 void freeBlock(Pool& pool, void* block);  // null is allowed
 
+// Whether so many bytes more, headers included, change nothing but `inUse`.
+inline bool hasRoomWithin(const Pool& pool, std::uint32_t bytes) {
+    return std::uint64_t{pool.inUse} + bytes <= pool.within;
+}
+
 // Charges a block that the device would have and this machine has not, its header included. False when the budget
 // refuses it.
 bool chargeMore(Pool& pool, std::uint32_t charge);
 inline bool chargeOnly(Pool& pool, std::uint32_t charge) {
-    const std::uint64_t inUse = std::uint64_t{pool.inUse} + charge + blockHeaderCharge;
-    if (inUse > pool.within) return chargeMore(pool, charge);
-    pool.inUse = static_cast<std::uint32_t>(inUse);
+    if (!hasRoomWithin(pool, charge + blockHeaderCharge)) return chargeMore(pool, charge);
+    pool.inUse += charge + blockHeaderCharge;
     return true;
 }
 inline void giveBackCharge(Pool& pool, std::uint32_t charge) { pool.inUse -= charge + blockHeaderCharge; }

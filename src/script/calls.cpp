@@ -18,21 +18,28 @@
 namespace qel {
 namespace {
 
-// Opens a level with a call of a script's function. The arguments become its locals.
-Called openCall(Movie& movie, ScriptFunction& function, Arguments arguments, ListKind kind, Value thisObject) {
+// Takes arguments off the stack for a function's parameters; those that are missing are `undefined`.
+void bindParameters(ScriptContext& scripts, ScriptFunction& function, std::uint32_t count) {
+    const std::uint32_t onStack = std::min(count, scripts.stack.size());
+    for (std::uint32_t i = 0; i < function.parameters.size(); ++i) {
+        Variable* local = function.locals.findOrAdd(scripts.memory, function.parameters[i]);
+        if (!local) return;
+        Value value = i < onStack ? std::move(scripts.stack.top(i)) : Value();
+        if (value.is(ValueType::object)) addUse(value);
+        swap(local->value, value);
+    }
+    scripts.stack.drop(onStack);
+}
+
+// Opens a level with a call of a script's function.
+Called openCall(Movie& movie, ScriptFunction& function, std::uint32_t count, ListKind kind, Value thisObject) {
     ScriptContext& scripts = movie.scripts;
     if (scripts.level >= ScriptContext::mostLevels) {
         failRun(scripts, Result::outOfMemory);
         return Called::answered;
     }
     spend(scripts, function.parameters.size());
-    for (std::uint32_t i = 0; i < function.parameters.size(); ++i) {
-        Variable* local = function.locals.findOrAdd(scripts.memory, function.parameters[i]);
-        if (!local) return Called::answered;
-        Value value = i < arguments.size() ? std::move(arguments[i]) : Value();
-        if (value.is(ValueType::object)) addUse(value);
-        std::swap(local->value, value);
-    }
+    bindParameters(scripts, function, count);
     ActionLevel& level = scripts.levels[scripts.level];
     ActionList* list = addList(movie, level, function.code, CodeOwner::function, scripts.target);
     if (!list) return Called::answered;
@@ -50,8 +57,8 @@ Called give(Movie& movie, Value result) {
 }
 
 // Opens a level with a constructor. The new object has what the function's prototype has, before the code runs.
-Called construct(Movie& movie, ScriptFunction& function, Arguments arguments, const Value& object) {
-    const Called called = openCall(movie, function, arguments, ListKind::constructor, object.copy());
+Called construct(Movie& movie, ScriptFunction& function, std::uint32_t count, const Value& object) {
+    const Called called = openCall(movie, function, count, ListKind::constructor, object.copy());
     VariableList& prototype = function.prototype.properties;
     spend(movie.scripts, prototype.size());
     for (std::uint32_t i = 0; called == Called::opened && i < prototype.size(); ++i)
@@ -99,9 +106,10 @@ void queueItems(Movie& movie, ContentReader items, ActionLevel& level) {
 void push(Movie& movie, Value value) { movie.scripts.stack.push(std::move(value)); }
 Value pop(Movie& movie) { return movie.scripts.stack.pop(); }
 
-CallArguments::CallArguments(Movie& movie) : stack_(movie.scripts.stack) {
+std::uint32_t popCount(ValueStack& stack) { return toUint16(numericValue(stack.pop())); }
+
+CallArguments::CallArguments(Movie& movie, std::uint32_t count) : stack_(movie.scripts.stack) {
     ScriptMemory& memory = movie.scripts.memory;
-    const std::uint32_t count = toUint16(numericValue(stack_.pop()));
     if (count <= stack_.size()) {
         onStack_ = count;
         values_ = stack_.topmost(count);
@@ -117,15 +125,15 @@ CallArguments::CallArguments(Movie& movie) : stack_(movie.scripts.stack) {
     values_ = elsewhere_.span();
 }
 
-CallArguments::~CallArguments() { stack_.drop(onStack_); }
-
 Called callFunction(Movie& movie, const Name& name) {
     if (!name) return Called::answered;
+    const std::uint32_t count = popCount(movie.scripts.stack);
+    if (name->function && !isNativeFunction(name->known))
+        return openCall(movie, *name->function, count, ListKind::call, {});
     Value result;
     {
-        CallArguments arguments(movie);
-        if (!callNative(movie, *name, arguments.values(), result) && name->function)
-            return openCall(movie, *name->function, arguments.values(), ListKind::call, {});
+        CallArguments arguments(movie, count);
+        callNative(movie, *name, arguments.values(), result);
     }
     return give(movie, std::move(result));
 }
@@ -133,14 +141,15 @@ Called callFunction(Movie& movie, const Name& name) {
 Called callMethod(Movie& movie, const Name& name) {
     if (!name) return Called::answered;
     const Value object = pop(movie);
+    const std::uint32_t count = popCount(movie.scripts.stack);
+    const bool isUsers = hasUserMethods(object, name);
+    const Value* method = isUsers ? propertyOf(object.asObject(), name) : nullptr;
+    if (method && method->is(ValueType::function))
+        return openCall(movie, method->asFunction(), count, ListKind::method, object.copy());
     Value result;
     {
-        CallArguments arguments(movie);
-        const MethodCall call{movie, object, name, arguments.values()};
-        const Value* method = userMethod(call);
-        if (method && method->is(ValueType::function))
-            return openCall(movie, method->asFunction(), arguments.values(), ListKind::method, object.copy());
-        if (!method) result = callBuiltIn(call);
+        CallArguments arguments(movie, count);
+        if (!isUsers) result = callBuiltIn({movie, object, name, arguments.values()});
     }
     return give(movie, std::move(result));
 }
@@ -148,15 +157,17 @@ Called callMethod(Movie& movie, const Name& name) {
 Called newObjectOf(Movie& movie) {
     const Name name = nameOf(movie, pop(movie));
     if (!name) return Called::answered;
+    const std::uint32_t count = popCount(movie.scripts.stack);
     Value made;
-    {
-        CallArguments arguments(movie);
-        if (!constructBuiltIn(movie, name.view(), arguments.values(), made)) {
-            ScriptObject* object = newObject(movie.scripts.objects, name.view());
-            if (!object) return Called::answered;
-            made = Value::object(*object);
-            if (name->function) return construct(movie, *name->function, arguments.values(), made);
-        }
+    if (isBuiltInClass(name.view())) {
+        CallArguments arguments(movie, count);
+        made = constructBuiltIn(movie, name.view(), arguments.values());
+    } else {
+        ScriptObject* object = newObject(movie.scripts.objects, name.view());
+        if (!object) return Called::answered;
+        made = Value::object(*object);
+        if (name->function) return construct(movie, *name->function, count, made);
+        CallArguments unused(movie, count);
     }
     return give(movie, std::move(made));
 }

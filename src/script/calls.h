@@ -16,12 +16,15 @@ using Arguments = std::span<Value>;
 void push(Movie& movie, Value value);
 Value pop(Movie& movie);
 
-// Pops a count and that many arguments; the first popped is the first. While this lives, nothing else touches the
-// stack.
+// How many arguments lie on the stack: a number that stands above them.
+std::uint32_t popCount(ValueStack& stack);
+
+// That many arguments in one row, popped when this ends; the topmost is the first. While this lives, nothing else
+// touches the stack.
 class CallArguments {
   public:
-    explicit CallArguments(Movie& movie);
-    ~CallArguments();
+    CallArguments(Movie& movie, std::uint32_t count);
+    ~CallArguments() { stack_.drop(onStack_); }
     CallArguments(const CallArguments&) = delete;
 
     Arguments values() { return values_; }

@@ -153,12 +153,18 @@ void Interpreter::readConstants(ContentReader operands) {
 void Interpreter::getNamed(Instruction& instruction) {
     const Text& name = *instruction.name;
     const std::uint32_t charge = Value::textCharge(name);
-    if (!stack_.makeRoom() || !memory_.take(charge)) return;
-    if (const Variable* variable = findInScope(scripts_, &list_, name, instruction.memo.hint))
-        stack_.pushCopy(variable->value);
-    else
-        getOtherNamed(instruction);
-    memory_.giveBack(charge);
+    if (!stack_.makeRoom()) return;
+    const Variable* variable = findInScope(scripts_, &list_, name, instruction.memo.hint);
+    if (variable && variable->value.is(ValueType::number)) {
+        memory_.touch(charge + blockHeaderCharge + Value::numberCharge);
+        stack_.pushNumber(variable->value.asNumber());
+    } else if (memory_.take(charge)) {
+        if (variable)
+            stack_.pushCopy(variable->value);
+        else
+            getOtherNamed(instruction);
+        memory_.giveBack(charge);
+    }
 }
 
 // A function, a clip, or nothing.
@@ -481,7 +487,7 @@ bool Interpreter::performObjectAction(Action action) {
         case Action::initArray: {
             Value array;
             {
-                CallArguments elements(movie_);
+                CallArguments elements(movie_, popCount(stack_));
                 array = makeArray(movie_, elements.values());
             }
             push(std::move(array));

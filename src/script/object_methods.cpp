@@ -164,35 +164,33 @@ Value makeArray(Movie& movie, Arguments elements) {
     return array;
 }
 
-bool constructBuiltIn(Movie& movie, std::string_view className, Arguments arguments, Value& made) {
-    ScriptMemory& memory = movie.scripts.memory;
-    if (className == "String") {
-        made = arguments.empty() ? Value::text(memory, std::string_view()) : toTextValue(movie, arguments[0]);
-        return true;
-    }
-    if (className == "Array") {
-        const bool onlyLength = arguments.size() == 1 && arguments[0].is(ValueType::number);
-        made = makeArray(movie, onlyLength ? Arguments() : arguments);
-        if (onlyLength && made.is(ValueType::object))
-            setLength(movie.scripts, made.asObject(), arguments[0].asNumber());
-        return true;
-    }
-    const bool isNumber = className == "Number";
-    if (!isNumber && className != "Color" && className != "Sound" && className != "Date") return false;
-    ScriptObject* object = newObject(movie.scripts.objects, className);
-    if (!object) return true;
-    made = Value::object(*object);
-    if (isNumber && !arguments.empty()) setPropertyValue(memory, *object, "value", toNumberValue(memory, arguments[0]));
-    return true;
+bool isBuiltInClass(std::string_view name) {
+    return name == "String" || name == "Array" || name == "Number" || name == "Color" || name == "Sound" ||
+           name == "Date";
 }
 
-const Value* userMethod(const MethodCall& call) {
-    static const Value none;
-    if (!call.object.is(ValueType::object) || call.name.view() == "toString") return nullptr;
-    const ScriptObject& object = call.object.asObject();
-    if (object.kind != ObjectClass::plain && object.kind != ObjectClass::prototype) return nullptr;
-    const Value* method = propertyOf(object, call.name);
-    return method ? method : &none;
+Value constructBuiltIn(Movie& movie, std::string_view className, Arguments arguments) {
+    ScriptContext& scripts = movie.scripts;
+    if (className == "String")
+        return arguments.empty() ? Value::text(scripts.memory, std::string_view()) : toTextValue(movie, arguments[0]);
+    if (className == "Array") {
+        const bool onlyLength = arguments.size() == 1 && arguments[0].is(ValueType::number);
+        Value made = makeArray(movie, onlyLength ? Arguments() : arguments);
+        if (onlyLength && made.is(ValueType::object)) setLength(scripts, made.asObject(), arguments[0].asNumber());
+        return made;
+    }
+    ScriptObject* object = newObject(scripts.objects, className);
+    if (!object) return {};
+    Value made = Value::object(*object);
+    if (className == "Number" && !arguments.empty())
+        setPropertyValue(scripts.memory, *object, scripts.valueName, toNumberValue(scripts.memory, arguments[0]));
+    return made;
+}
+
+bool hasUserMethods(const Value& object, const Name& method) {
+    if (!object.is(ValueType::object) || method.view() == "toString") return false;
+    const ObjectClass kind = object.asObject().kind;
+    return kind == ObjectClass::plain || kind == ObjectClass::prototype;
 }
 
 Value callBuiltIn(const MethodCall& call) {

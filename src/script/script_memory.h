@@ -30,7 +30,7 @@ struct alignas(16) ScriptMemory {
     }
     // What is charged for a moment and given back.
     void touch(std::uint32_t bytes) {
-        if (take(bytes)) giveBack(bytes);
+        if (!hasRoomWithin(*charged, bytes + blockHeaderCharge) && take(bytes)) giveBack(bytes);
     }
     void giveBack(std::uint32_t bytes) { giveBackCharge(*charged, bytes); }
 
