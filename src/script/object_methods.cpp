@@ -159,7 +159,10 @@ Value makeArray(Movie& movie, Arguments elements) {
     if (!made) return {};
     Value array = Value::object(*made);
     std::int32_t index = 0;
-    for (Value& element : elements) setPropertyValue(memory, *made, indexName(memory, index++), std::move(element));
+    for (Value& element : elements) {
+        if (memory.exhausted) break;
+        setPropertyValue(memory, *made, indexName(memory, index++), std::move(element));
+    }
     setLength(movie.scripts, *made, index);
     return array;
 }
