@@ -33,8 +33,6 @@ TextHold arrayText(Movie& movie, const ScriptObject& array, int depth) {
         if (memory.actionsLeft == 0) break;  // the run is over
         if (i > 0) joined.add(",");
         joined.add(text.view());
-        // Text that would never fit is not put together: the budget could not hold it either.
-        if (joined.text && joined.text->length >= memory.charged->budget) memory.exhausted = true;
     }
     return joined.text;
 }

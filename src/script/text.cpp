@@ -9,8 +9,10 @@
 namespace qel {
 namespace {
 
+// A text that the budget could never hold is not put together either.
 TextHold emptyBlock(ScriptMemory& memory, std::size_t length) {
-    if (length > std::numeric_limits<std::int32_t>::max()) {
+    const std::size_t most = std::min<std::size_t>(memory.charged->budget, std::numeric_limits<std::int32_t>::max());
+    if (length >= most) {
         memory.exhausted = true;
         return {};
     }

@@ -49,7 +49,7 @@ Value concat(const MethodCall& call, const TextHold& text) {
     TextHold joined = text;
     for (const Value& argument : call.arguments) {
         const TextHold more = toText(call.movie, argument);
-        if (!more || !joined) return {};
+        if (!more || !joined || call.movie.scripts.memory.actionsLeft == 0) return {};
         spendText(call.movie.scripts, joined.view().size() + more.view().size());
         joined = joinTexts(call.movie.scripts.memory, joined.view(), more.view());
     }
