@@ -19,16 +19,12 @@ namespace qel {
 namespace {
 
 // Takes arguments off the stack for a function's parameters; those that are missing are `undefined`.
-void bindParameters(ScriptContext& scripts, ScriptFunction& function, std::uint32_t count) {
-    const std::uint32_t onStack = std::min(count, scripts.stack.size());
-    for (std::uint32_t i = 0; i < function.parameters.size(); ++i) {
-        Variable* local = function.locals.findOrAdd(scripts.memory, function.parameters[i]);
-        if (!local) return;
-        Value value = i < onStack ? std::move(scripts.stack.top(i)) : Value();
-        if (value.is(ValueType::object)) addUse(value);
-        swap(local->value, value);
-    }
-    scripts.stack.drop(onStack);
+void bindParameters(Movie& movie, ScriptFunction& function, std::uint32_t count) {
+    ValueStack& stack = movie.scripts.stack;
+    const std::uint32_t onStack = std::min(count, stack.size());
+    for (std::uint32_t i = 0; i < function.parameters.size(); ++i)
+        defineIn(movie, function.locals, function.parameters[i], i < onStack ? std::move(stack.top(i)) : Value());
+    stack.drop(onStack);
 }
 
 // Opens a level with a call of a script's function.
@@ -39,7 +35,7 @@ Called openCall(Movie& movie, ScriptFunction& function, std::uint32_t count, Lis
         return Called::answered;
     }
     spend(scripts, function.parameters.size());
-    bindParameters(scripts, function, count);
+    bindParameters(movie, function, count);
     ActionLevel& level = scripts.levels[scripts.level];
     ActionList* list = addList(movie, level, function.code, CodeOwner::function, scripts.target);
     if (!list) return Called::answered;

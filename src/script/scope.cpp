@@ -127,16 +127,19 @@ void setVariable(Movie& movie, const Name& name, Value value, std::uint32_t& hin
 }
 
 void defineLocal(Movie& movie, const Name& name, Value value) {
+    VariableList* const locals = localsOf(runningList(movie));
+    VariableList* const list = locals ? locals : targetList(movie.scripts);
+    if (list) defineIn(movie, *list, name, std::move(value));
+}
+
+void defineIn(Movie& movie, VariableList& list, const Name& name, Value value) {
     if (!name) return;
     const Reference reference = referenceOf(movie, name);
     if (reference.where == Reference::Where::nowhere) return;
-    VariableList* locals = localsOf(runningList(movie));
-    VariableList* list = locals ? locals : targetList(movie.scripts);
-    if (!list) return;
-    Variable* variable = list->findOrAdd(movie.scripts.memory, reference.name);
+    Variable* variable = list.findOrAdd(movie.scripts.memory, reference.name);
     if (!variable) return;
-    addUse(value);
-    std::swap(variable->value, value);  // the device does not count that the old one goes
+    if (value.is(ValueType::object)) addUse(value);
+    swap(variable->value, value);  // the device does not count that the old one goes
 }
 
 void deleteVariable(Movie& movie, const Name& name) {

@@ -27,7 +27,12 @@ inline Value getVariable(Movie& movie, const Name& name) {
 const Value* findVariable(Movie& movie, const Name& name);
 
 void setVariable(Movie& movie, const Name& name, Value value, std::uint32_t& hint);
+
+// A variable of the function that runs, or of the target; of a given list. A path in front of the name only has to
+// resolve.
 void defineLocal(Movie& movie, const Name& name, Value value);
+void defineIn(Movie& movie, VariableList& list, const Name& name, Value value);
+
 void deleteVariable(Movie& movie, const Name& name);
 
 // Stores a value in the variable of a list, making it where it is missing.
