@@ -39,7 +39,7 @@ class PlayerRunner final : public ScriptRunner {
 
     std::string result() override {
         ScriptContext& scripts = playing_.movie().scripts;
-        const Variable* variable = scripts.variables.find(*makeText(scripts.memory, variable_).get());
+        const Variable* variable = scripts.variables.find(makeName(scripts.memory, variable_));
         if (variable && variable->value.is(ValueType::text)) return std::string(variable->value.asText().view());
         if (variable && variable->value.is(ValueType::number))
             return std::to_string(static_cast<long long>(variable->value.asNumber()));

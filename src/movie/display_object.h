@@ -68,6 +68,8 @@ struct MorphInstance : DisplayObject {
 
 struct TextInstance : DisplayObject {
     CharacterHold<EditText> field;
+    PoolText text;  // other than the field's own
+    Name variable;  // that it shows
 };
 
 struct ButtonInstance;
@@ -188,6 +190,9 @@ inline ClipInstance* asClip(DisplayObject* object) {
 }
 inline const ClipInstance* asClip(const DisplayObject* object) {
     return object && object->kind == ObjectKind::clip ? static_cast<const ClipInstance*>(object) : nullptr;
+}
+inline TextInstance* asText(DisplayObject* object) {
+    return object && object->kind == ObjectKind::text ? static_cast<TextInstance*>(object) : nullptr;
 }
 inline MorphInstance* asMorph(DisplayObject* object) {
     return object && object->kind == ObjectKind::morph ? static_cast<MorphInstance*>(object) : nullptr;

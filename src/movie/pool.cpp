@@ -8,8 +8,6 @@
 namespace qel {
 namespace {
 
-constexpr std::uint32_t blockHeaderCharge = 4;
-
 // What lies in front of every block here.
 struct alignas(std::max_align_t) BlockHeader {
     std::uint32_t charged;
@@ -34,6 +32,7 @@ bool fitsBudget(Pool& pool, std::uint32_t charged) {
 void take(Pool& pool, std::uint32_t charged) {
     pool.inUse += charged;
     pool.peak = std::max(pool.peak, pool.inUse);
+    pool.within = std::min(pool.peak, pool.budget);
 }
 
 }  // namespace
@@ -47,13 +46,11 @@ void* allocateBlock(Pool& pool, std::size_t size, std::uint32_t charged) {
     return header + 1;
 }
 
-bool chargeOnly(Pool& pool, std::uint32_t charge) {
+bool chargeMore(Pool& pool, std::uint32_t charge) {
     if (!fitsBudget(pool, charge)) return false;
     take(pool, charge + blockHeaderCharge);
     return true;
 }
-
-void giveBackCharge(Pool& pool, std::uint32_t charge) { pool.inUse -= charge + blockHeaderCharge; }
 
 void freeBlock(Pool& pool, void* block) {
     if (!block) return;

@@ -18,6 +18,8 @@ namespace qel {
 
 struct PlayerInstance;
 
+inline constexpr std::uint32_t blockHeaderCharge = 4;
+
 struct Pool {
     static constexpr std::uint32_t unlimited = std::numeric_limits<std::uint32_t>::max();
 
@@ -25,6 +27,7 @@ struct Pool {
     std::uint32_t budget = unlimited;  // bytes
     std::uint32_t inUse = 0;           // bytes charged
     std::uint32_t peak = 0;            // the most that was charged at one time
+    std::uint32_t within = 0;          // the smaller of budget and peak: up to here there is nothing to ask or to note
     // Gives back at least `bytes`; false when it cannot. Null: there is nothing to purge.
     bool (*purge)(void* context, std::uint32_t bytes) = nullptr;
     void* purgeContext = nullptr;
@@ -35,10 +38,20 @@ struct Pool {
 void* allocateBlock(Pool& pool, std::size_t size, std::uint32_t charge);
 void freeBlock(Pool& pool, void* block);  // null is allowed
 
+// Whether so many bytes more, headers included, change nothing but `inUse`.
+inline bool hasRoomWithin(const Pool& pool, std::uint32_t bytes) {
+    return std::uint64_t{pool.inUse} + bytes <= pool.within;
+}
+
 // Charges a block that the device would have and this machine has not, its header included. False when the budget
 // refuses it.
-bool chargeOnly(Pool& pool, std::uint32_t charge);
-void giveBackCharge(Pool& pool, std::uint32_t charge);
+bool chargeMore(Pool& pool, std::uint32_t charge);
+inline bool chargeOnly(Pool& pool, std::uint32_t charge) {
+    if (!hasRoomWithin(pool, charge + blockHeaderCharge)) return chargeMore(pool, charge);
+    pool.inUse += charge + blockHeaderCharge;
+    return true;
+}
+inline void giveBackCharge(Pool& pool, std::uint32_t charge) { pool.inUse -= charge + blockHeaderCharge; }
 
 struct PoolDelete {
     Pool* pool = nullptr;
@@ -86,6 +99,7 @@ class PoolArray {
 
     std::uint32_t size() const { return size_; }
     bool empty() const { return size_ == 0; }
+    std::uint32_t capacity() const { return capacity_; }
     T* begin() { return data_; }
     T* end() { return data_ + size_; }
     const T* begin() const { return data_; }
@@ -139,6 +153,16 @@ class PoolArray {
         new (data_ + size_) T(std::move(value));
         ++size_;
     }
+
+    // The same, made in its place.
+    template <class Make>
+    void makeReserved(Make make) {
+        new (data_ + size_) T(make());
+        ++size_;
+    }
+
+    // Drops the last element; there is one.
+    void dropLast() { std::destroy_at(data_ + --size_); }
 
     // Exactly `count` elements, all new and value-initialized.
     Result assignZeros(Pool& pool, std::uint32_t count) {

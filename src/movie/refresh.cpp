@@ -1,6 +1,7 @@
 #include "movie/refresh.h"
 
 #include "movie/movie.h"
+#include "movie/text_fields.h"
 #include "render/colour_transform.h"
 #include "render/matrix.h"
 #include "render/style_copies.h"
@@ -91,6 +92,10 @@ Result refreshShown(Movie& movie, DisplayObject& object, const DisplayObject::In
 }
 
 Result refreshObject(Movie& movie, DisplayObject& object) {
+    if (TextInstance* text = asText(&object)) {
+        const Result followed = followVariable(movie, *text);
+        if (failed(followed)) return followed;
+    }
     const DisplayObject::Inherited above =
         object.owner ? object.owner->handedDown : DisplayObject::Inherited{.moved = movie.viewMoved};
     const ClipInstance* clip = asClip(&object);

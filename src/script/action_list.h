@@ -3,6 +3,7 @@
 
 #include <span>
 
+#include "script/program.h"
 #include "script/script_object.h"
 
 namespace qel {
@@ -33,13 +34,15 @@ class Shared {
     T* object_ = nullptr;
 };
 
+// Code is charged where the device has a copy of it: to each list that owns one, and to functions. Here all share it.
 struct ActionCode {
     std::uint32_t holders = 0;
     Pool* pool = nullptr;
     PoolArray<std::uint8_t> bytes;
+    Program program;
 };
 template <>
-inline constexpr std::uint32_t charge<struct ActionCode> = 0;  // its bytes count
+inline constexpr std::uint32_t charge<struct ActionCode> = 0;
 
 // Texts that Push names by their index. A text that would read as a tag is replaced when the pool is made.
 struct ConstantPool {
@@ -51,8 +54,8 @@ template <>
 inline constexpr std::uint32_t charge<struct ConstantPool> = 0;
 
 struct ScriptFunction {
-    TextHold name;
-    PoolArray<TextHold> parameters;
+    Name name;
+    PoolArray<Name> parameters;
     Shared<ActionCode> code;
     VariableList locals;  // of all its calls
     Shared<ConstantPool> constants;
@@ -61,8 +64,6 @@ struct ScriptFunction {
 };
 template <>
 inline constexpr std::uint32_t charge<struct ScriptFunction> = 76;
-template <>
-inline constexpr std::uint32_t charge<class TextHold> = 4;
 
 // The clip that code acts on: the root, a clip, or one that is gone.
 class Target {
@@ -94,7 +95,8 @@ enum class ListKind : std::uint8_t { code = 0, call = 2, method = 3, constructor
 
 struct ActionList {
     Shared<ActionCode> code;
-    std::uint32_t at = 0;  // of the next action
+    Pool* codeChargedTo = nullptr;  // null: the code is a function's
+    std::uint32_t at = 0;           // of the next action
     ScriptFunction* function = nullptr;
     Value thisObject;  // undefined: none
     ListKind kind = ListKind::code;
@@ -103,17 +105,22 @@ struct ActionList {
 
     ActionList() = default;
     ActionList(const ActionList&) = delete;
-    ~ActionList();  // the target's clip waits for one list less
+    ~ActionList() { clear(); }
+    // Lets go of everything; the target's clip waits for one list less.
+    void clear();
 };
 template <>
-inline constexpr std::uint32_t charge<struct ActionList> = 44;
+inline constexpr std::uint32_t charge<struct ActionList> = 0;  // charged with the level that it lies on
 
 // Code that runs before the code below it goes on.
 struct ActionLevel {
-    PoolArray<PoolPtr<ActionList>> lists;
+    static constexpr std::uint32_t firstCapacity = 20;
+
+    PoolArray<PoolPtr<ActionList>> lists;  // those behind `count` are empty, kept for the next time
+    std::uint32_t count = 0;
     std::uint32_t current = 0;
 };
 template <>
-inline constexpr std::uint32_t charge<PoolPtr<ActionList>> = 0;
+inline constexpr std::uint32_t charge<PoolPtr<ActionList>> = 40;  // the list itself
 
 }  // namespace qel

@@ -1,10 +1,11 @@
 #include "script/calls.h"
 
+#include <algorithm>
+
 #include "format/frame_items.h"
 #include "movie/content_reader.h"
 #include "movie/movie.h"
 #include "player/engine_services.h"
-#include "script/clip_object.h"
 #include "script/conversions.h"
 #include "script/frame_navigation.h"
 #include "script/list_queue.h"
@@ -17,34 +18,48 @@
 namespace qel {
 namespace {
 
-// Opens a level with a call of a script's function. The arguments become its locals.
-Called openCall(Movie& movie, ScriptFunction& function, Arguments arguments, ListKind kind, Value thisObject) {
+// Takes arguments off the stack for a function's parameters; those that are missing are `undefined`.
+void bindParameters(Movie& movie, ScriptFunction& function, std::uint32_t count) {
+    ValueStack& stack = movie.scripts.stack;
+    const std::uint32_t onStack = std::min(count, stack.size());
+    for (std::uint32_t i = 0; i < function.parameters.size(); ++i)
+        defineIn(movie, function.locals, function.parameters[i], i < onStack ? std::move(stack.top(i)) : Value());
+    stack.drop(onStack);
+}
+
+// Opens a level with a call of a script's function.
+Called openCall(Movie& movie, ScriptFunction& function, std::uint32_t count, ListKind kind, Value thisObject) {
     ScriptContext& scripts = movie.scripts;
     if (scripts.level >= ScriptContext::mostLevels) {
-        scripts.failure = Result::outOfMemory;
+        failRun(scripts, Result::outOfMemory);
         return Called::answered;
     }
     spend(scripts, function.parameters.size());
-    for (std::uint32_t i = 0; i < function.parameters.size(); ++i) {
-        Variable* local = function.locals.findOrAdd(scripts.memory, function.parameters[i]);
-        if (!local) return Called::answered;
-        Value value = i < arguments.size() ? std::move(arguments[i]) : Value();
-        addUse(value);
-        std::swap(local->value, value);
-    }
-    PoolPtr<ActionList> list = makeList(movie, function.code, scripts.target);
+    bindParameters(movie, function, count);
+    ActionLevel& level = scripts.levels[scripts.level];
+    ActionList* list = addList(movie, level, function.code, CodeOwner::function, scripts.target);
     if (!list) return Called::answered;
     list->function = &function;
     list->kind = kind;
     list->thisObject = std::move(thisObject);
     list->constants = function.constants;
-    openLevel(movie, std::move(list));
+    ++scripts.level;
     return Called::opened;
 }
 
 Called give(Movie& movie, Value result) {
     push(movie, std::move(result));
     return Called::answered;
+}
+
+// Opens a level with a constructor. The new object has what the function's prototype has, before the code runs.
+Called construct(Movie& movie, ScriptFunction& function, std::uint32_t count, const Value& object) {
+    const Called called = openCall(movie, function, count, ListKind::constructor, object.copy());
+    VariableList& prototype = function.prototype.properties;
+    spend(movie.scripts, prototype.size());
+    for (std::uint32_t i = 0; called == Called::opened && i < prototype.size(); ++i)
+        setPropertyValue(movie.scripts.memory, object.asObject(), prototype[i].name, prototype[i].value.copy());
+    return called;
 }
 
 // The bytes of a called block: part of a sprite's timeline, or of the content.
@@ -64,104 +79,100 @@ bool readBlock(Movie& movie, std::uint32_t frame, PoolArray<std::uint8_t>& bytes
         if (block.id != frame) continue;
         if (failed(bytes.assignZeros(pool, block.length))) return false;
         if (readContent(*movie.player, block.offset, bytes.span())) return true;
-        movie.scripts.failure = Result::badContent;
+        failRun(movie.scripts, Result::badContent);
         return false;
     }
     return true;
 }
 
 // Every item of a block is code, whatever its type.
-void queueItems(Movie& movie, ContentReader items, PoolArray<PoolPtr<ActionList>>& lists) {
-    while (items.available(1)) {
+void queueItems(Movie& movie, ContentReader items, ActionLevel& level) {
+    while (items.available(1) && !movie.scripts.memory.exhausted) {
         const unsigned head = items.u8(), type = head >> 4;
         std::uint32_t length = head & longItemLength;
         if (length == longItemLength) length = items.littleEndian(itemLengthBytes(type));
         const std::span<const std::uint8_t> code = items.take(length);
         if (!items.ok()) return;
-        PoolPtr<ActionList> list = makeList(movie, copyCode(movie, code), movie.scripts.target);
-        if (!list || failed(lists.append(*movie.scripts.memory.uncharged, std::move(list)))) {
-            movie.scripts.memory.exhausted = true;
-            return;
-        }
+        addList(movie, level, shareCode(movie, code), CodeOwner::list, movie.scripts.target);
     }
 }
 
 }  // namespace
 
-void push(Movie& movie, Value value) {
-    ScriptContext& scripts = movie.scripts;
-    if (failed(scripts.stack.append(*scripts.memory.charged, std::move(value)))) scripts.memory.exhausted = true;
-}
+void push(Movie& movie, Value value) { movie.scripts.stack.push(std::move(value)); }
+Value pop(Movie& movie) { return movie.scripts.stack.pop(); }
 
-Value pop(Movie& movie) {
-    PoolArray<Value>& stack = movie.scripts.stack;
-    if (stack.empty()) return {};
-    Value value = std::move(stack.back());
-    stack.truncate(stack.size() - 1);
-    return value;
-}
+std::uint32_t popCount(ValueStack& stack) { return toUint16(numericValue(stack.pop())); }
 
-PoolArray<Value> popArguments(Movie& movie) {
-    ScriptContext& scripts = movie.scripts;
-    const std::uint32_t count = toUint16(numericValue(pop(movie)));
-    spend(scripts, count);
-    PoolArray<Value> arguments;
-    if (failed(arguments.reserve(*scripts.memory.uncharged, count))) {
-        scripts.memory.exhausted = true;
-        return arguments;
+CallArguments::CallArguments(Movie& movie, std::uint32_t count) : stack_(movie.scripts.stack) {
+    ScriptMemory& memory = movie.scripts.memory;
+    if (count <= stack_.size()) {
+        onStack_ = count;
+        values_ = stack_.topmost(count);
+        std::ranges::reverse(values_);
+        return;
     }
-    for (std::uint32_t i = 0; i < count; ++i) arguments.appendReserved(pop(movie));
-    return arguments;
+    memory.spend(count);
+    if (failed(elsewhere_.reserve(*memory.uncharged, count))) {
+        memory.exhausted = true;
+        return;
+    }
+    for (std::uint32_t i = 0; i < count; ++i) elsewhere_.appendReserved(stack_.pop());
+    values_ = elsewhere_.span();
 }
 
-Called callFunction(Movie& movie) {
-    const TextHold name = nameOf(movie, pop(movie));
-    PoolArray<Value> arguments = popArguments(movie);
+Called callFunction(Movie& movie, const Name& name) {
     if (!name) return Called::answered;
+    const std::uint32_t count = popCount(movie.scripts.stack);
+    if (name->function && !isNativeFunction(name->known))
+        return openCall(movie, *name->function, count, ListKind::call, {});
     Value result;
-    if (callNative(movie, *name.get(), arguments.span(), result)) return give(movie, std::move(result));
-    ScriptFunction* function = findFunction(movie, *name.get());
-    if (!function) return give(movie, {});
-    return openCall(movie, *function, arguments.span(), ListKind::call, {});
+    {
+        CallArguments arguments(movie, count);
+        callNative(movie, *name, arguments.values(), result);
+    }
+    return give(movie, std::move(result));
 }
 
-Called callMethod(Movie& movie) {
-    const TextHold name = nameOf(movie, pop(movie));
-    const Value object = pop(movie);
-    PoolArray<Value> arguments = popArguments(movie);
+Called callMethod(Movie& movie, const Name& name) {
     if (!name) return Called::answered;
-    const MethodCall call{movie, object, name, arguments.span()};
-    if (const Value* method = userMethod(call)) {
-        if (!method->is(ValueType::function)) return give(movie, {});
-        return openCall(movie, method->asFunction(), arguments.span(), ListKind::method, object.copy());
+    const Value object = pop(movie);
+    const std::uint32_t count = popCount(movie.scripts.stack);
+    const bool isUsers = hasUserMethods(object, name);
+    const Value* method = isUsers ? propertyOf(object.asObject(), name) : nullptr;
+    if (method && method->is(ValueType::function))
+        return openCall(movie, method->asFunction(), count, ListKind::method, object.copy());
+    Value result;
+    {
+        CallArguments arguments(movie, count);
+        if (!isUsers) result = callBuiltIn({movie, object, name, arguments.values()});
     }
-    return give(movie, callBuiltIn(call));
+    return give(movie, std::move(result));
 }
 
 Called newObjectOf(Movie& movie) {
-    const TextHold name = nameOf(movie, pop(movie));
-    PoolArray<Value> arguments = popArguments(movie);
+    const Name name = nameOf(movie, pop(movie));
     if (!name) return Called::answered;
-    Value built;
-    if (constructBuiltIn(movie, name.view(), arguments.span(), built)) return give(movie, std::move(built));
-    ScriptObject* made = newObject(movie.scripts.objects, name.view());
-    if (!made) return Called::answered;
-    Value object = Value::object(*made);
-    ScriptFunction* constructor = findFunction(movie, *name.get());
-    if (!constructor) return give(movie, std::move(object));
-    const Called called = openCall(movie, *constructor, arguments.span(), ListKind::constructor, object.copy());
-    VariableList& prototype = constructor->prototype.properties;
-    spend(movie.scripts, prototype.size());
-    for (std::uint32_t i = 0; called == Called::opened && i < prototype.size(); ++i)
-        setPropertyValue(movie.scripts.memory, *made, prototype[i].name, prototype[i].value.copy());
-    return called;
+    const std::uint32_t count = popCount(movie.scripts.stack);
+    Value made;
+    if (isBuiltInClass(name.view())) {
+        CallArguments arguments(movie, count);
+        made = constructBuiltIn(movie, name.view(), arguments.values());
+    } else {
+        ScriptObject* object = newObject(movie.scripts.objects, name.view());
+        if (!object) return Called::answered;
+        made = Value::object(*object);
+        if (name->function) return construct(movie, *name->function, count, made);
+        CallArguments unused(movie, count);
+    }
+    return give(movie, std::move(made));
 }
 
 Called callFrame(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
     const Value frame = pop(movie);
     if (scripts.level >= ScriptContext::mostLevels) {
-        scripts.failure = Result::outOfMemory;
+        failRun(scripts, Result::outOfMemory);
         return Called::answered;
     }
     // A label names the root's frame itself; numbers count from 1.
@@ -174,10 +185,10 @@ Called callFrame(Movie& movie) {
         return Called::answered;
     }
     spend(scripts, bytes.size());
-    PoolArray<PoolPtr<ActionList>> lists;
-    queueItems(movie, ContentReader(bytes.span()), lists);
-    if (lists.empty()) return Called::answered;
-    openLevel(movie, std::move(lists));
+    ActionLevel& level = scripts.levels[scripts.level];
+    queueItems(movie, ContentReader(bytes.span()), level);
+    if (level.count == 0) return Called::answered;
+    ++scripts.level;
     return Called::opened;
 }
 

@@ -41,7 +41,7 @@ Rect boxOf(Movie& movie, const Target& target) {
     for (const DisplayObject* each = movie.root.first; each; each = nextInDrawingOrder(each)) ++objects;
     spend(movie.scripts, objects);
     const Result refreshed = refreshObjects(movie);
-    if (failed(refreshed)) movie.scripts.failure = refreshed;
+    if (failed(refreshed)) failRun(movie.scripts, refreshed);
     Rect box{0, 0, -1, -1};
     if (const ClipInstance* clip = target.clip()) {
         box = boundsOf(*clip);
@@ -104,8 +104,8 @@ void moveCoordinates(Movie& movie, const Target& target, Arguments arguments, in
     ScriptMemory& memory = movie.scripts.memory;
     ScriptObject& object = arguments[0].asObject();
     for (const auto& [name, by] : {std::pair{"x", clip->matrix.tx}, {"y", clip->matrix.ty}}) {
-        const TextHold key = makeText(memory, name);
-        const Value* before = key ? propertyOf(object, *key.get()) : nullptr;
+        const Name key = makeName(memory, name);
+        const Value* before = key ? propertyOf(object, key) : nullptr;
         const double number = before ? numericValue(*before) : 0;
         setPropertyValue(memory, object, key, Value::number(memory, number + direction * by));
     }

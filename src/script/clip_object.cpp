@@ -1,6 +1,5 @@
 #include "script/clip_object.h"
 
-#include <array>
 #include <cmath>
 
 #include "movie/movie.h"
@@ -33,19 +32,7 @@ enum class Property : std::uint8_t {
     name,
 };
 
-constexpr std::array<std::string_view, 22> propertyNames{
-    "_x",          "_y",     "_xscale",      "_yscale",    "_currentframe", "_totalframes",  "_alpha",
-    "_visible",    "_width", "_height",      "_rotation",  "_target",       "_framesloaded", "_name",
-    "_droptarget", "_url",   "_highquality", "_focusrect", "_soundbuftime", "_quality",      "_xmouse",
-    "_ymouse"};
-
 constexpr double hundred = 100, alphaUnit = 0.39215686274509803, alphaScale = 2.5500000000000003;
-
-int propertyNumber(std::string_view name) {
-    for (std::size_t i = 0; i < propertyNames.size(); ++i)
-        if (propertyNames[i] == name) return static_cast<int>(i);
-    return -1;
-}
 
 // The multiplier tells it, until a script sets the alpha: then the offset does.
 double alphaOf(const ClipInstance& clip) {
@@ -207,23 +194,23 @@ void setClipProperty(Movie& movie, const Target& target, double number, const Va
         movie.scripts.redraw = true;
 }
 
-Value getClipMember(Movie& movie, const Target& target, const TextHold& name) {
+Value getClipMember(Movie& movie, const Target& target, const Name& name) {
     if (!name || target.isGone()) return {};
     ClipInstance* clip = target.clip();
-    if (name.view() == "_parent") return clip ? clipValue(movie, clipAround(*clip)) : Value();
-    if (name.view() == "_target")
+    if (name->known == KnownName::parent) return clip ? clipValue(movie, clipAround(*clip)) : Value();
+    if (name->known == KnownName::target)
         return Value::text(movie.scripts.memory,
                            clip ? clipSlashPath(movie, target.anchor()) : makeText(movie.scripts.memory, "_level0"));
-    if (const int number = propertyNumber(name.view()); number >= 0) return getClipProperty(movie, target, number);
+    if (const int number = propertyNumber(name->known); number >= 0) return getClipProperty(movie, target, number);
     const VariableList& variables = clip ? clip->variables : movie.scripts.variables;
-    if (const Variable* variable = variables.find(*name.get())) return variable->value.copy();
+    if (const Variable* variable = variables.find(name)) return variable->value.copy();
     ClipInstance* child = childClip(movie, clip, name.view());
     return child ? clipValue(movie, child) : Value();
 }
 
-void setClipMember(Movie& movie, const Target& target, const TextHold& name, Value value) {
+void setClipMember(Movie& movie, const Target& target, const Name& name, Value value) {
     if (!name || target.isGone()) return;
-    if (const int number = propertyNumber(name.view()); number >= 0)
+    if (const int number = propertyNumber(name->known); number >= 0)
         return setClipProperty(movie, target, number, value);
     ClipInstance* clip = target.clip();
     storeVariable(movie, clip ? clip->variables : movie.scripts.variables, name, std::move(value));

@@ -10,8 +10,8 @@ Value getClipProperty(Movie& movie, const Target& target, double number);
 void setClipProperty(Movie& movie, const Target& target, double number, const Value& value);
 
 // A property, a variable or a child by its name.
-Value getClipMember(Movie& movie, const Target& target, const TextHold& name);
-void setClipMember(Movie& movie, const Target& target, const TextHold& name, Value value);
+Value getClipMember(Movie& movie, const Target& target, const Name& name);
+void setClipMember(Movie& movie, const Target& target, const Name& name, Value value);
 
 // `undefined` where the method gives nothing.
 Value callClipMethod(Movie& movie, const Target& target, std::string_view method, Arguments arguments);

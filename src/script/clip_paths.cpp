@@ -108,7 +108,6 @@ TextHold clipSlashPath(Movie& movie, const ClipAnchor* anchor) {
     if (!path) return path;
     for (std::uint32_t i = 0; i < path->length; ++i)
         if (path.get()->bytes[i] == '.') path.get()->bytes[i] = '/';
-    path.get()->hash = hashOf(path.view());
     return path;
 }
 

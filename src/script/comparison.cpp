@@ -12,7 +12,7 @@ namespace {
 // The double that a comparison across classes uses; none for what is no finite number's record.
 std::optional<double> comparable(const Value& value) {
     if (value.is(ValueType::number)) return value.asNumber();
-    if (value.is(ValueType::text)) return parseNumber(value.asText().view());
+    if (value.is(ValueType::text)) return numberIn(value.asText());
     return std::nullopt;
 }
 
@@ -38,6 +38,11 @@ bool equalNumbers(const Value& a, const Value& b) {
     return a.type() == b.type() && !a.is(ValueType::notANumber);
 }
 
+// Comparing long texts is work.
+void countComparison(const Value& a, const Value& b) {
+    a.asText().memory->spend(std::min(a.asText().length, b.asText().length) / 64);
+}
+
 }  // namespace
 
 bool textLess(std::string_view a, std::string_view b) {
@@ -52,7 +57,7 @@ bool equalValues(const Value& a, const Value& b) {
         case ComparisonClass::null:
         case ComparisonClass::undefined: return true;
         case ComparisonClass::number: return equalNumbers(a, b);
-        case ComparisonClass::text: return a.asText().view() == b.asText().view();
+        case ComparisonClass::text: countComparison(a, b); return a.asText().view() == b.asText().view();
         case ComparisonClass::boolean: return a.type() == b.type();
         case ComparisonClass::object: return &a.asObject() == &b.asObject();
         case ComparisonClass::function: return &a.asFunction() == &b.asFunction();
@@ -62,7 +67,10 @@ bool equalValues(const Value& a, const Value& b) {
 }
 
 Value lessValues(ScriptMemory& memory, const Value& a, const Value& b) {
-    if (a.is(ValueType::text) && b.is(ValueType::text)) return Value(textLess(a.asText().view(), b.asText().view()));
+    if (a.is(ValueType::text) && b.is(ValueType::text)) {
+        countComparison(a, b);
+        return Value(textLess(a.asText().view(), b.asText().view()));
+    }
     const Value left = toNumberValue(memory, a), right = toNumberValue(memory, b);
     if (left.is(ValueType::notANumber) || right.is(ValueType::notANumber)) return {};
     if (left.is(ValueType::infinity)) return Value(false);

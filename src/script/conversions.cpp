@@ -21,21 +21,18 @@ struct Joined {
 TextHold arrayText(Movie& movie, const ScriptObject& array, int depth) {
     constexpr int deepest = 16;
     ScriptMemory& memory = movie.scripts.memory;
-    const TextHold lengthName = makeText(memory, "length");
     Joined joined{movie, makeText(memory, "")};
-    if (!lengthName || depth == deepest) return joined.text;
-    const Value* lengthValue = propertyOf(array, *lengthName.get());
+    if (depth == deepest) return joined.text;
+    const Value* lengthValue = propertyOf(array, movie.scripts.lengthName);
     const std::int32_t length = lengthValue ? toInt32(numericValue(*lengthValue)) : 0;
     for (std::int32_t i = 0; i < length && !memory.exhausted; ++i) {
-        const TextHold key = makeText(memory, formatInteger(i).view());
-        const Value* element = key ? propertyOf(array, *key.get()) : nullptr;
+        const Name key = indexName(memory, i);
+        const Value* element = key ? propertyOf(array, key) : nullptr;
         const TextHold text = element ? textAt(movie, *element, depth + 1) : makeText(memory, "undefined");
         spend(movie.scripts, 1 + joined.text.view().size() / 64);
-        if (movie.scripts.actionsLeft == 0) break;  // the run is over
+        if (memory.actionsLeft == 0) break;  // the run is over
         if (i > 0) joined.add(",");
         joined.add(text.view());
-        // Text that would never fit is not put together: the budget could not hold it either.
-        if (joined.text && joined.text->length >= memory.charged->budget) memory.exhausted = true;
     }
     return joined.text;
 }
@@ -44,8 +41,7 @@ TextHold objectText(Movie& movie, const ScriptObject& object, int depth) {
     ScriptMemory& memory = movie.scripts.memory;
     if (object.kind == ObjectClass::array) return arrayText(movie, object, depth);
     if (object.kind == ObjectClass::number) {
-        const TextHold name = makeText(memory, "value");
-        const Value* value = name ? propertyOf(object, *name.get()) : nullptr;
+        const Value* value = propertyOf(object, movie.scripts.valueName);
         constexpr int deepest = 16;
         if (depth == deepest) return makeText(memory, "");
         return value ? textAt(movie, *value, depth + 1) : makeText(memory, "0");
@@ -74,11 +70,17 @@ TextHold textAt(Movie& movie, const Value& value, int depth) {
 
 }  // namespace
 
+// Reading a number from a long text is work.
+std::optional<double> numberIn(const Text& text) {
+    text.memory->spend(text.length / 64);
+    return parseNumber(text.view());
+}
+
 double numericValue(const Value& value) {
     switch (value.type()) {
         case ValueType::yes: return 1;
         case ValueType::number: return value.asNumber();
-        case ValueType::text: return parseNumber(value.asText().view()).value_or(0);
+        case ValueType::text: return numberIn(value.asText()).value_or(0);
         default: return 0;
     }
 }
@@ -96,7 +98,7 @@ Value toNumberValue(ScriptMemory& memory, const Value& value) {
         case ValueType::negativeInfinity:
         case ValueType::number: return value.copy();
         case ValueType::text: {
-            const std::optional<double> number = parseNumber(value.asText().view());
+            const std::optional<double> number = numberIn(value.asText());
             return number ? Value::number(memory, *number) : Value::constant(ValueType::notANumber);
         }
         case ValueType::clip: break;
@@ -121,7 +123,15 @@ TextHold toText(Movie& movie, const Value& value) { return textAt(movie, value, 
 
 Value toTextValue(Movie& movie, const Value& value) { return Value::text(movie.scripts.memory, toText(movie, value)); }
 
-TextHold nameOf(Movie& movie, const Value& value) { return toText(movie, value); }
+Name nameOf(Movie& movie, const Value& value) {
+    ScriptMemory& memory = movie.scripts.memory;
+    if (value.is(ValueType::number)) {
+        const double number = value.asNumber();
+        const std::int32_t index = toInt32(number);
+        if (index == number) return indexName(memory, index);
+    }
+    return asName(memory, toText(movie, value));
+}
 
 std::string_view typeName(Movie& movie, const Value& value) {
     switch (value.type()) {

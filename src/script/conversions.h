@@ -1,13 +1,17 @@
 // Values as numbers, texts, truth and type names.
 #pragma once
 
+#include <optional>
+
+#include "script/name.h"
 #include "script/value.h"
 
 namespace qel {
 
 struct Movie;
 
-double numericValue(const Value& value);  // what is no number, text or `true` gives 0
+std::optional<double> numberIn(const Text& text);  // counts as work
+double numericValue(const Value& value);           // what is no number, text or `true` gives 0
 Value toNumberValue(ScriptMemory& memory, const Value& value);
 bool toBoolean(const Value& value);
 
@@ -16,7 +20,7 @@ TextHold toText(Movie& movie, const Value& value);
 Value toTextValue(Movie& movie, const Value& value);
 
 // A name: the text of a value that is one, else what it converts to.
-TextHold nameOf(Movie& movie, const Value& value);
+Name nameOf(Movie& movie, const Value& value);
 
 // "number", "string" and so on. A text that is the name of a function counts as one.
 std::string_view typeName(Movie& movie, const Value& value);

@@ -8,8 +8,11 @@ namespace qel {
 
 struct Movie;
 
-// The action DefineFunction: its operands, and the body behind them in the running list, which goes on behind it. False
-// where the operands or the body are cut short.
-bool defineFunction(Movie& movie, ActionList& list, ContentReader operands);
+// The action DefineFunction: its operands, and the body that begins at `bodyAt` in the running list. Answers where the
+// code goes on; at the list's end where operands or body are cut short.
+std::uint32_t defineFunction(Movie& movie, const ActionList& list, ContentReader operands, std::uint32_t bodyAt);
+
+// Gives back what the device's copies of names and code are charged with.
+void giveBackFunctionCharges(ScriptMemory& memory, const ScriptFunction& function);
 
 }  // namespace qel

@@ -3,6 +3,7 @@
 #include "movie/gotos.h"
 #include "movie/movie.h"
 #include "player/engine_services.h"
+#include "script/script_state.h"
 
 namespace qel {
 
@@ -46,7 +47,7 @@ void gotoFrame(Movie& movie, const Target& target, double frame, AfterGoto after
         ClipInstance* clip = target.clip();
         const auto to = static_cast<std::uint16_t>(index);
         const Result gone = clip ? gotoClipFrame(movie, *clip, to) : gotoRootFrame(movie, to);
-        if (failed(gone)) movie.scripts.failure = gone;
+        if (failed(gone)) failRun(movie.scripts, gone);
         movie.scripts.redraw = true;
     }
     setStopped(movie, target, after == AfterGoto::stop);

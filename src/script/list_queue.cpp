@@ -1,25 +1,14 @@
 #include "script/list_queue.h"
 
+#include <algorithm>
+
 #include "movie/movie.h"
 
 namespace qel {
 namespace {
 
-void append(Movie& movie, ActionLevel& level, PoolPtr<ActionList> list) {
-    if (failed(level.lists.append(*movie.scripts.memory.uncharged, std::move(list))))
-        movie.scripts.memory.exhausted = true;
-}
-
-ActionLevel& nextLevel(ScriptContext& scripts) { return scripts.levels[scripts.level++]; }
-
-}  // namespace
-
-ActionList::~ActionList() {
-    if (ClipInstance* clip = target.clip()) --clip->awaitingLists;
-}
-
-Shared<ActionCode> copyCode(Movie& movie, std::span<const std::uint8_t> bytes) {
-    Pool& pool = movie.pool;
+Shared<ActionCode> makeCode(Movie& movie, std::span<const std::uint8_t> bytes) {
+    Pool& pool = movie.heap;
     PoolPtr<ActionCode> code = makePooled<ActionCode>(pool);
     if (!code || failed(code->bytes.assign(pool, bytes))) {
         movie.scripts.memory.exhausted = true;
@@ -29,30 +18,64 @@ Shared<ActionCode> copyCode(Movie& movie, std::span<const std::uint8_t> bytes) {
     return Shared<ActionCode>(code.release());
 }
 
-PoolPtr<ActionList> makeList(Movie& movie, Shared<ActionCode> code, const Target& target) {
-    PoolPtr<ActionList> list;
-    if (!code) return list;
-    list = makePooled<ActionList>(movie.pool);
-    if (!list) {
-        movie.scripts.memory.exhausted = true;
-        return list;
+// Whether the level has an empty list left, or gets one.
+bool hasRoom(Movie& movie, ActionLevel& level) {
+    PoolArray<PoolPtr<ActionList>>& lists = level.lists;
+    if (level.count < lists.size()) return true;
+    if (lists.capacity() == 0 && failed(lists.reserve(movie.pool, ActionLevel::firstCapacity))) return false;
+    PoolPtr<ActionList> list = makePooled<ActionList>(movie.heap);
+    return list && !failed(lists.append(movie.pool, std::move(list)));
+}
+
+std::uint32_t checksum(std::span<const std::uint8_t> bytes) {
+    std::uint32_t sum = static_cast<std::uint32_t>(bytes.size());
+    for (const std::uint8_t byte : bytes) sum = (sum ^ byte) * 16777619u;
+    return sum ^ sum >> 15;
+}
+
+}  // namespace
+
+void ActionList::clear() {
+    if (ClipInstance* clip = target.clip()) --clip->awaitingLists;
+    if (codeChargedTo && code) giveBackCharge(*codeChargedTo, code->bytes.size());
+    codeChargedTo = nullptr;
+    code = {};
+    at = 0;
+    function = nullptr;
+    thisObject = Value();
+    kind = ListKind::code;
+    constants = {};
+    target = {};
+}
+
+Shared<ActionCode> shareCode(Movie& movie, std::span<const std::uint8_t> bytes) {
+    constexpr std::size_t mostShared = 4096;
+    if (bytes.size() > mostShared) return makeCode(movie, bytes);
+    std::array<Shared<ActionCode>, ScriptContext::recentCodes>& recent = movie.scripts.recentCode;
+    Shared<ActionCode>& place = recent[checksum(bytes) % recent.size()];
+    if (!place || !std::ranges::equal(place->bytes.span(), bytes)) place = makeCode(movie, bytes);
+    return place;
+}
+
+ActionList* addList(Movie& movie, ActionLevel& level, Shared<ActionCode> code, CodeOwner owner, const Target& target) {
+    ScriptMemory& memory = movie.scripts.memory;
+    const bool charges = owner == CodeOwner::list;
+    if (!code || !hasRoom(movie, level) || (charges && !memory.take(code->bytes.size()))) {
+        memory.exhausted = true;
+        return nullptr;
     }
-    list->code = std::move(code);
-    list->target = target;
+    ActionList& list = *level.lists[level.count++];
+    if (charges) list.codeChargedTo = &movie.pool;
+    list.code = std::move(code);
+    list.target = target;
     if (ClipInstance* clip = target.clip()) ++clip->awaitingLists;
-    return list;
+    return &list;
 }
 
-void appendList(Movie& movie, PoolPtr<ActionList> list) {
-    ScriptContext& scripts = movie.scripts;
-    append(movie, scripts.levels[scripts.level == 0 ? 0 : scripts.level - 1], std::move(list));
-}
-
-void openLevel(Movie& movie, PoolPtr<ActionList> list) { append(movie, nextLevel(movie.scripts), std::move(list)); }
-
-void openLevel(Movie& movie, PoolArray<PoolPtr<ActionList>> lists) {
-    ActionLevel& level = nextLevel(movie.scripts);
-    for (PoolPtr<ActionList>& list : lists) append(movie, level, std::move(list));
+void emptyLevel(ActionLevel& level) {
+    for (std::uint32_t i = 0; i < level.count; ++i) level.lists[i]->clear();
+    level.lists.truncate(ActionLevel::firstCapacity);
+    level.count = level.current = 0;
 }
 
 }  // namespace qel

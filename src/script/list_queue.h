@@ -1,5 +1,7 @@
-// Making lists of action code, and putting them where they will run.
+// Where pieces of code wait: on the level that runs, or on the next one.
 #pragma once
+
+#include <span>
 
 #include "script/action_list.h"
 
@@ -7,17 +9,14 @@ namespace qel {
 
 struct Movie;
 
-// A copy of code bytes. None when memory is exhausted.
-Shared<ActionCode> copyCode(Movie& movie, std::span<const std::uint8_t> bytes);
+// Code of these bytes. Code that has been made lately is shared, so that what runs in every frame is made ready once.
+Shared<ActionCode> shareCode(Movie& movie, std::span<const std::uint8_t> bytes);
 
-// A list that is to run on a target; the target's clip stays until it has. Null when memory is exhausted.
-PoolPtr<ActionList> makeList(Movie& movie, Shared<ActionCode> code, const Target& target);
+// Puts a list behind the others of a level; it runs code on a target. Null when memory is exhausted.
+enum class CodeOwner : std::uint8_t { list, function };  // who has the copy of the bytes that is charged
+ActionList* addList(Movie& movie, ActionLevel& level, Shared<ActionCode> code, CodeOwner owner, const Target& target);
 
-// Puts a list behind those of the level that runs, or of the first.
-void appendList(Movie& movie, PoolPtr<ActionList> list);
-
-// Opens the next level with lists. There is one: the caller has looked.
-void openLevel(Movie& movie, PoolPtr<ActionList> list);
-void openLevel(Movie& movie, PoolArray<PoolPtr<ActionList>> lists);
+// Takes the lists off a level.
+void emptyLevel(ActionLevel& level);
 
 }  // namespace qel

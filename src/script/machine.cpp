@@ -33,7 +33,7 @@ Result outcomeOf(const ScriptContext& scripts) {
 Result beginScripts(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
     const auto define = [&](std::string_view name, Value value) {
-        storeVariable(movie, scripts.variables, makeText(scripts.memory, name), std::move(value));
+        storeVariable(movie, scripts.variables, makeName(scripts.memory, name), std::move(value));
     };
     define("Infinity", Value::constant(ValueType::infinity));
     define("NaN", Value::constant(ValueType::notANumber));
@@ -57,7 +57,7 @@ void finishList(Movie& movie, ActionList& list) {
 void runLevel(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
     ActionLevel& level = scripts.levels[scripts.level - 1];
-    while (level.current < level.lists.size()) {
+    while (level.current < level.count) {
         ActionList& list = *level.lists[level.current];
         scripts.target = list.target;
         scripts.targetSaved = false;
@@ -67,14 +67,13 @@ void runLevel(Movie& movie) {
         finishList(movie, list);
         ++level.current;
     }
-    level.lists.truncate(0);
-    level.current = 0;
+    emptyLevel(level);
     --scripts.level;
 }
 
 Result runQueue(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
-    scripts.actionsLeft = ScriptContext::mostActions;
+    scripts.memory.actionsLeft = scripts.actionLimit;
     scripts.level = 1;
     Result result = Result::done;
     while (scripts.level != 0 && !failed(result)) {
@@ -82,13 +81,14 @@ Result runQueue(Movie& movie) {
         result = outcomeOf(scripts);
     }
     if (failed(result)) discardLists(scripts);
-    scripts.stack.truncate(0);
+    scripts.memory.actionsLeft = scripts.actionLimit;  // conversions outside of runs are work as well
+    scripts.stack.clear();
     scripts.target = scripts.savedTarget = {};
     return result;
 }
 
 // Whether anything waits to run.
-bool isIdle(const ScriptContext& scripts) { return scripts.levels[0].lists.empty(); }
+bool isIdle(const ScriptContext& scripts) { return scripts.levels[0].count == 0; }
 
 Result runAndDraw(Movie& movie, ScriptRun run) {
     ScriptContext& scripts = movie.scripts;
@@ -103,8 +103,11 @@ Result runAndDraw(Movie& movie, ScriptRun run) {
 
 Result initScripts(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
-    scripts.memory = {.charged = &movie.pool, .uncharged = &movie.heap};
+    scripts.memory = {.charged = &movie.pool, .uncharged = &movie.heap, .names = &scripts.nameTable};
+    scripts.memory.actionsLeft = scripts.actionLimit;
     scripts.objects.memory = &scripts.memory;
+    scripts.lengthName = makeName(scripts.memory, "length");
+    scripts.valueName = makeName(scripts.memory, "value");
     const auto make = [&](ScriptObject& object, ObjectClass kind, std::string_view name) {
         object.kind = kind;
         object.className = makeText(scripts.memory, name);
@@ -114,7 +117,7 @@ Result initScripts(Movie& movie) {
     make(scripts.number, ObjectClass::number, "Number");
     make(scripts.key, ObjectClass::key, "Key");
     constexpr std::uint32_t firstStack = 128;
-    if (failed(scripts.stack.reserve(movie.pool, firstStack))) return Result::outOfMemory;
+    if (!scripts.stack.reserve(firstStack) || !reserveObjects(scripts.objects)) return Result::outOfMemory;
     return beginScripts(movie);
 }
 
@@ -129,9 +132,10 @@ Result queueActionList(Movie& movie, std::span<const std::uint8_t> code, ClipIns
     if (code.empty()) return Result::done;
     ClipAnchor* anchor = target ? anchorOf(movie, *target) : nullptr;
     if (target && !anchor) return Result::outOfMemory;
-    PoolPtr<ActionList> list = makeList(movie, copyCode(movie, code), Target(anchor));
-    if (list) appendList(movie, std::move(list));
-    return outcomeOf(movie.scripts);
+    ScriptContext& scripts = movie.scripts;
+    ActionLevel& level = scripts.levels[scripts.level == 0 ? 0 : scripts.level - 1];
+    addList(movie, level, shareCode(movie, code), CodeOwner::list, Target(anchor));
+    return outcomeOf(scripts);
 }
 
 Result runScripts(Movie& movie, ScriptRun run) {

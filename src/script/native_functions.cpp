@@ -1,46 +1,13 @@
 #include "script/native_functions.h"
 
-#include <array>
 #include <cmath>
 
 #include "movie/movie.h"
 #include "script/conversions.h"
 #include "script/numbers.h"
-#include "script/scope.h"
 
 namespace qel {
 namespace {
-
-// All names, in the order in which they are looked for.
-constexpr std::array<std::string_view, 23> nativeNames{"stopAndGotoUrl",
-                                                       "endWithCallbackNumber",
-                                                       "vibrate",
-                                                       "setVolume",
-                                                       "quit",
-                                                       "setNextButtonKey",
-                                                       "setPrevButtonKey",
-                                                       "Boolean",
-                                                       "Date",
-                                                       "isFinite",
-                                                       "isNaN",
-                                                       "parseFloat",
-                                                       "parseInt",
-                                                       "getBattery",
-                                                       "getAntenna",
-                                                       "registryLoad",
-                                                       "registrySave",
-                                                       "registryDelete",
-                                                       "registryAddItem",
-                                                       "registryGetItem",
-                                                       "registryRemoveItem",
-                                                       "registryGetCount",
-                                                       "registryClear"};
-
-bool isNative(std::string_view name) {
-    for (const std::string_view known : nativeNames)
-        if (known == name) return true;
-    return false;
-}
 
 int digitOf(char c) {
     if (c >= '0' && c <= '9') return c - '0';
@@ -91,23 +58,27 @@ Value parseFloat(ScriptMemory& memory, const Value& value) {
 }  // namespace
 
 bool callNative(Movie& movie, const Text& name, Arguments arguments, Value& result) {
-    const std::string_view text = name.view();
-    if (!isNative(text)) return false;
+    if (!isNativeFunction(name.known)) return false;
     if (arguments.empty()) return true;
     ScriptMemory& memory = movie.scripts.memory;
-    if (text == "Boolean") result = Value(toBoolean(arguments[0]));
-    if (text == "isNaN") result = Value(arguments[0].is(ValueType::notANumber));
-    if (text == "parseInt") result = parseInt(memory, arguments);
-    if (text == "parseFloat") result = parseFloat(memory, arguments[0]);
-    if (text == "isFinite") {
-        const Value number = toNumberValue(memory, arguments[0]);
-        result = Value(number.is(ValueType::number) && std::isfinite(number.asNumber()));
+    switch (name.known) {
+        case KnownName::boolean: result = Value(toBoolean(arguments[0])); break;
+        case KnownName::isNaN: result = Value(arguments[0].is(ValueType::notANumber)); break;
+        case KnownName::parseInt: result = parseInt(memory, arguments); break;
+        case KnownName::parseFloat: result = parseFloat(memory, arguments[0]); break;
+        case KnownName::isFinite: {
+            const Value number = toNumberValue(memory, arguments[0]);
+            result = Value(number.is(ValueType::number) && std::isfinite(number.asNumber()));
+            break;
+        }
+        default: break;
     }
     return true;
 }
 
 bool namesFunction(Movie& movie, const Text& name) {
-    return isNative(name.view()) || findFunction(movie, name) != nullptr;
+    const Name known = findName(movie.scripts.memory, name.view());
+    return isNativeFunction(knownName(name.view())) || (known && known->function);
 }
 
 }  // namespace qel

@@ -25,9 +25,9 @@ struct Cursor {
     }
 };
 
-// A signed decimal integer; huge ones are kept within what powers of ten can tell apart.
+// A signed decimal integer; huge ones are kept within 32 bits, far beyond the digits that a text has room for.
 std::optional<std::int32_t> parseExponent(Cursor& cursor) {
-    constexpr std::int32_t most = 100'000;
+    constexpr std::int32_t most = 100'000'000;
     const bool negative = cursor.takeSign();
     if (!isDigit(cursor.peek())) return std::nullopt;
     std::int32_t value = 0;
@@ -211,7 +211,7 @@ NumberText formatInteger(std::int32_t number) {
 
 double truncated(double number) { return std::trunc(number); }
 
-std::int32_t toInt32(double number) {
+std::int32_t wrappedInt32(double number) {
     if (!std::isfinite(number)) return 0;
     constexpr double modulus = 4294967296.0;
     double wrapped = std::fmod(std::trunc(number), modulus);

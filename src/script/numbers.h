@@ -25,7 +25,11 @@ NumberText formatInteger(std::int32_t number);
 
 // Conversions of any double to integers. The fraction is cut off; numbers that are not finite give 0, others wrap.
 double truncated(double number);
-std::int32_t toInt32(double number);
+std::int32_t wrappedInt32(double number);
+inline std::int32_t toInt32(double number) {
+    constexpr double end = 2147483648.0;
+    return number > -end && number < end ? static_cast<std::int32_t>(number) : wrappedInt32(number);
+}
 inline std::uint32_t toUint32(double number) { return static_cast<std::uint32_t>(toInt32(number)); }
 inline std::uint16_t toUint16(double number) { return static_cast<std::uint16_t>(toUint32(number)); }
 

@@ -16,40 +16,41 @@ namespace {
 
 // --- arrays
 
-std::int32_t lengthOf(ScriptMemory& memory, const ScriptObject& array) {
-    const TextHold name = makeText(memory, "length");
-    const Value* length = name ? propertyOf(array, *name.get()) : nullptr;
+std::int32_t lengthOf(const ScriptContext& scripts, const ScriptObject& array) {
+    const Value* length = propertyOf(array, scripts.lengthName);
     return length ? toInt32(numericValue(*length)) : 0;
 }
 
-void setLength(ScriptMemory& memory, ScriptObject& array, double length) {
-    setPropertyValue(memory, array, "length", Value::number(memory, length));
+void setLength(ScriptContext& scripts, ScriptObject& array, double length) {
+    setPropertyValue(scripts.memory, array, scripts.lengthName, Value::number(scripts.memory, length));
 }
 
-TextHold keyOf(ScriptMemory& memory, std::int32_t index) { return makeText(memory, formatInteger(index).view()); }
+// The index behind another one, in 32 bits.
+std::int32_t nextIndex(std::int32_t index) { return wrap32(std::int64_t{index} + 1); }
 
 Value pushElement(const MethodCall& call, ScriptObject& array) {
     if (call.arguments.empty()) return {};
-    ScriptMemory& memory = call.movie.scripts.memory;
-    const std::int32_t length = lengthOf(memory, array);
-    setPropertyValue(memory, array, keyOf(memory, length), call.arguments[0].copy());
-    setLength(memory, array, length + 1.0);
+    ScriptContext& scripts = call.movie.scripts;
+    ScriptMemory& memory = scripts.memory;
+    const std::int32_t length = lengthOf(scripts, array);
+    setPropertyValue(memory, array, indexName(memory, length), call.arguments[0].copy());
+    setLength(scripts, array, length + 1.0);
     return Value::number(memory, length + 1.0);
 }
 
 Value popElement(const MethodCall& call, ScriptObject& array) {
-    ScriptMemory& memory = call.movie.scripts.memory;
-    const std::int32_t length = lengthOf(memory, array);
+    ScriptContext& scripts = call.movie.scripts;
+    const std::int32_t length = lengthOf(scripts, array);
     if (length < 1) return {};
-    const TextHold key = keyOf(memory, length - 1);
-    Variable* element = key ? array.properties.find(*key.get()) : nullptr;
+    const Name key = indexName(scripts.memory, length - 1);
+    Variable* element = key ? array.properties.find(key) : nullptr;
     Value value;
     if (element) std::swap(value, element->value);
-    setLength(memory, array, length - 1.0);
+    setLength(scripts, array, length - 1.0);
     return value;
 }
 
-bool isLength(const TextHold& name) { return name.view() == "length"; }
+bool isLength(const Name& name) { return name->known == KnownName::length; }
 
 Value concatArrays(const MethodCall& call, ScriptObject& array) {
     ScriptMemory& memory = call.movie.scripts.memory;
@@ -59,28 +60,30 @@ Value concatArrays(const MethodCall& call, ScriptObject& array) {
     spend(call.movie.scripts, array.properties.size());
     for (std::uint32_t i = 0; i < array.properties.size(); ++i)
         setPropertyValue(memory, *made, array.properties[i].name, array.properties[i].value.copy());
-    std::int32_t next = lengthOf(memory, array);
+    std::int32_t next = lengthOf(call.movie.scripts, array);
     for (Value& argument : call.arguments) {
         const bool isArray = argument.is(ValueType::object) && argument.asObject().kind == ObjectClass::array;
         if (!isArray) {
-            setPropertyValue(memory, *made, keyOf(memory, next++), std::move(argument));
+            setPropertyValue(memory, *made, indexName(memory, next), std::move(argument));
+            next = nextIndex(next);
             continue;
         }
         VariableList& elements = argument.asObject().properties;
         spend(call.movie.scripts, elements.size());
-        for (std::uint32_t i = 0; i < elements.size() && !memory.exhausted; ++i)
-            if (!isLength(elements[i].name))
-                setPropertyValue(memory, *made, keyOf(memory, next++), elements[i].value.copy());
+        for (std::uint32_t i = 0; i < elements.size() && !memory.exhausted; ++i) {
+            if (isLength(elements[i].name)) continue;
+            setPropertyValue(memory, *made, indexName(memory, next), elements[i].value.copy());
+            next = nextIndex(next);
+        }
     }
-    setLength(memory, *made, next);
+    setLength(call.movie.scripts, *made, next);
     return result;
 }
 
 Value callArrayMethod(const MethodCall& call, ScriptObject& array) {
-    const std::string_view name = call.name.view();
-    if (name == "push") return pushElement(call, array);
-    if (name == "pop") return popElement(call, array);
-    if (name == "concat") return concatArrays(call, array);
+    if (call.name->known == KnownName::push) return pushElement(call, array);
+    if (call.name->known == KnownName::pop) return popElement(call, array);
+    if (call.name.view() == "concat") return concatArrays(call, array);
     return {};
 }
 
@@ -88,8 +91,7 @@ Value callArrayMethod(const MethodCall& call, ScriptObject& array) {
 
 Value numberText(const MethodCall& call, const ScriptObject& object) {
     ScriptMemory& memory = call.movie.scripts.memory;
-    const TextHold name = makeText(memory, "value");
-    const Value* value = name ? propertyOf(object, *name.get()) : nullptr;
+    const Value* value = propertyOf(object, call.movie.scripts.valueName);
     const double whole = value ? truncated(numericValue(*value)) : 0;
     const double radix = call.arguments.empty() ? 10 : truncated(numericValue(call.arguments[0]));
     constexpr int hexadecimal = 16, binary = 2;
@@ -123,33 +125,30 @@ Value numberMember(ScriptMemory& memory, std::string_view name) {
     return number ? Value::number(memory, *number) : Value();
 }
 
-Value objectMember(Movie& movie, const ScriptObject& object, const Value& name) {
+Value objectMember(Movie& movie, const ScriptObject& object, const Name& key) {
     ScriptMemory& memory = movie.scripts.memory;
-    const TextHold key = nameOf(movie, name);
-    if (!key) return {};
     switch (object.kind) {
         case ObjectClass::math: {
             const std::optional<double> number = mathConstant(key.view());
             return number ? Value::number(memory, *number) : Value();
         }
         case ObjectClass::number:
-            if (&object == &movie.scripts.number || !propertyOf(object, *key.get()))
-                return numberMember(memory, key.view());
+            if (&object == &movie.scripts.number || !propertyOf(object, key)) return numberMember(memory, key.view());
             break;
         case ObjectClass::key: return {};
         default: break;
     }
-    const Value* property = propertyOf(object, *key.get());
+    const Value* property = propertyOf(object, key);
     return property ? property->copy() : Value();
 }
 
 // An array grows to hold a new index.
-void growArray(ScriptMemory& memory, ScriptObject& array, const TextHold& name) {
+void growArray(ScriptContext& scripts, ScriptObject& array, const Name& name) {
     if (array.className.view() != "Array" || isLength(name)) return;
     const std::optional<double> number = parseNumber(name.view());
     if (!number || formatInteger(toInt32(*number)).view() != name.view()) return;
     const std::int32_t index = toInt32(*number);
-    if (index >= 0 && index + 1.0 > lengthOf(memory, array)) setLength(memory, array, index + 1.0);
+    if (index >= 0 && index + 1.0 > lengthOf(scripts, array)) setLength(scripts, array, index + 1.0);
 }
 
 }  // namespace
@@ -160,39 +159,41 @@ Value makeArray(Movie& movie, Arguments elements) {
     if (!made) return {};
     Value array = Value::object(*made);
     std::int32_t index = 0;
-    for (Value& element : elements) setPropertyValue(memory, *made, keyOf(memory, index++), std::move(element));
-    setLength(memory, *made, index);
+    for (Value& element : elements) {
+        if (memory.exhausted) break;
+        setPropertyValue(memory, *made, indexName(memory, index++), std::move(element));
+    }
+    setLength(movie.scripts, *made, index);
     return array;
 }
 
-bool constructBuiltIn(Movie& movie, std::string_view className, Arguments arguments, Value& made) {
-    ScriptMemory& memory = movie.scripts.memory;
-    if (className == "String") {
-        made = arguments.empty() ? Value::text(memory, std::string_view()) : toTextValue(movie, arguments[0]);
-        return true;
-    }
-    if (className == "Array") {
-        const bool onlyLength = arguments.size() == 1 && arguments[0].is(ValueType::number);
-        made = makeArray(movie, onlyLength ? Arguments() : arguments);
-        if (onlyLength && made.is(ValueType::object)) setLength(memory, made.asObject(), arguments[0].asNumber());
-        return true;
-    }
-    const bool isNumber = className == "Number";
-    if (!isNumber && className != "Color" && className != "Sound" && className != "Date") return false;
-    ScriptObject* object = newObject(movie.scripts.objects, className);
-    if (!object) return true;
-    made = Value::object(*object);
-    if (isNumber && !arguments.empty()) setPropertyValue(memory, *object, "value", toNumberValue(memory, arguments[0]));
-    return true;
+bool isBuiltInClass(std::string_view name) {
+    return name == "String" || name == "Array" || name == "Number" || name == "Color" || name == "Sound" ||
+           name == "Date";
 }
 
-const Value* userMethod(const MethodCall& call) {
-    static const Value none;
-    if (!call.object.is(ValueType::object) || call.name.view() == "toString") return nullptr;
-    const ScriptObject& object = call.object.asObject();
-    if (object.kind != ObjectClass::plain && object.kind != ObjectClass::prototype) return nullptr;
-    const Value* method = propertyOf(object, *call.name.get());
-    return method ? method : &none;
+Value constructBuiltIn(Movie& movie, std::string_view className, Arguments arguments) {
+    ScriptContext& scripts = movie.scripts;
+    if (className == "String")
+        return arguments.empty() ? Value::text(scripts.memory, std::string_view()) : toTextValue(movie, arguments[0]);
+    if (className == "Array") {
+        const bool onlyLength = arguments.size() == 1 && arguments[0].is(ValueType::number);
+        Value made = makeArray(movie, onlyLength ? Arguments() : arguments);
+        if (onlyLength && made.is(ValueType::object)) setLength(scripts, made.asObject(), arguments[0].asNumber());
+        return made;
+    }
+    ScriptObject* object = newObject(scripts.objects, className);
+    if (!object) return {};
+    Value made = Value::object(*object);
+    if (className == "Number" && !arguments.empty())
+        setPropertyValue(scripts.memory, *object, scripts.valueName, toNumberValue(scripts.memory, arguments[0]));
+    return made;
+}
+
+bool hasUserMethods(const Value& object, const Name& method) {
+    if (!object.is(ValueType::object) || method.view() == "toString") return false;
+    const ObjectClass kind = object.asObject().kind;
+    return kind == ObjectClass::plain || kind == ObjectClass::prototype;
 }
 
 Value callBuiltIn(const MethodCall& call) {
@@ -215,29 +216,25 @@ Value callBuiltIn(const MethodCall& call) {
     }
 }
 
-Value getMember(Movie& movie, const Value& object, const Value& name) {
+Value getMember(Movie& movie, const Value& object, const Name& name) {
+    if (!name) return {};
     switch (object.type()) {
-        case ValueType::text:
-            if (name.is(ValueType::text) && name.asText().view() == "length")
-                return Value::number(movie.scripts.memory, object.asText().length);
-            return {};
-        case ValueType::clip: return getClipMember(movie, Target(object.asAnchor()), nameOf(movie, name));
-        case ValueType::function:
-            if (name.is(ValueType::text) && name.asText().view() == "prototype")
-                return Value::object(object.asFunction().prototype);
-            return {};
         case ValueType::object: return objectMember(movie, object.asObject(), name);
+        case ValueType::clip: return getClipMember(movie, Target(object.asAnchor()), name);
+        case ValueType::text:
+            return isLength(name) ? Value::number(movie.scripts.memory, object.asText().length) : Value();
+        case ValueType::function:
+            return name.view() == "prototype" ? Value::object(object.asFunction().prototype) : Value();
         default: return {};
     }
 }
 
-void setMember(Movie& movie, const Value& object, const Value& name, Value value) {
-    if (!object.is(ValueType::clip) && !object.is(ValueType::object)) return;
-    const TextHold key = nameOf(movie, name);
-    if (!key) return;
-    if (object.is(ValueType::clip)) return setClipMember(movie, Target(object.asAnchor()), key, std::move(value));
-    setPropertyValue(movie.scripts.memory, object.asObject(), key, std::move(value));
-    growArray(movie.scripts.memory, object.asObject(), key);
+void setMember(Movie& movie, const Value& object, const Name& name, Value value) {
+    if (!name) return;
+    if (object.is(ValueType::clip)) return setClipMember(movie, Target(object.asAnchor()), name, std::move(value));
+    if (!object.is(ValueType::object)) return;
+    setPropertyValue(movie.scripts.memory, object.asObject(), name, std::move(value));
+    growArray(movie.scripts, object.asObject(), name);
 }
 
 }  // namespace qel

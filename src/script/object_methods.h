@@ -8,23 +8,23 @@ namespace qel {
 struct MethodCall {
     Movie& movie;
     const Value& object;
-    const TextHold& name;
+    const Name& name;
     Arguments arguments;
 };
 
-// What an object of a script has under the method's name, `undefined` where it has none. Null: the class of the object
-// says what its methods are.
-const Value* userMethod(const MethodCall& call);
+// Whether what a value does under a method's name is a property of its own; else its class says what its methods are.
+bool hasUserMethods(const Value& object, const Name& method);
 
 // `undefined` where the method gives nothing.
 Value callBuiltIn(const MethodCall& call);
 
 // The actions GetMember and SetMember.
-Value getMember(Movie& movie, const Value& object, const Value& name);
-void setMember(Movie& movie, const Value& object, const Value& name, Value value);
+Value getMember(Movie& movie, const Value& object, const Name& name);
+void setMember(Movie& movie, const Value& object, const Name& name, Value value);
 
-// An object of a built-in class. False: the class is a script's.
-bool constructBuiltIn(Movie& movie, std::string_view className, Arguments arguments, Value& made);
+// An object of a class that is no script's; `undefined` when memory is exhausted.
+bool isBuiltInClass(std::string_view name);
+Value constructBuiltIn(Movie& movie, std::string_view className, Arguments arguments);
 
 // A new Array with these elements. `undefined` when memory is exhausted.
 Value makeArray(Movie& movie, Arguments elements);

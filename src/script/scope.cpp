@@ -2,6 +2,7 @@
 
 #include "movie/movie.h"
 #include "script/clip_paths.h"
+#include "script/scope_search.h"
 #include "script/script_state.h"
 
 namespace qel {
@@ -11,16 +12,16 @@ namespace {
 struct Reference {
     enum class Where : std::uint8_t { scope, clip, nowhere } where = Where::scope;
     ClipInstance* clip = nullptr;
-    TextHold name;
+    Name name;
 };
 
-Reference referenceOf(Movie& movie, const TextHold& name) {
+Reference referenceOf(Movie& movie, const Name& name) {
+    if (!name->hasColon) return {.name = name};
     const std::string_view text = name.view();
     const std::size_t colon = text.find(':');
-    if (colon == std::string_view::npos) return {.name = name};
     const std::string_view path = text.substr(0, colon);
     spendText(movie.scripts, text.size());
-    Reference reference{.name = makeText(movie.scripts.memory, text.substr(colon + 1))};
+    Reference reference{.name = makeName(movie.scripts.memory, text.substr(colon + 1))};
     reference.clip = resolveTarget(movie, path);
     if (reference.clip)
         reference.where = Reference::Where::clip;
@@ -29,47 +30,36 @@ Reference referenceOf(Movie& movie, const TextHold& name) {
     return reference;
 }
 
-VariableList* localsOf(Movie& movie) {
-    const ActionList* list = runningList(movie);
-    return list && list->function ? &list->function->locals : nullptr;
-}
-
-VariableList* targetList(Movie& movie) {
-    ScriptContext& scripts = movie.scripts;
-    if (scripts.target.isRoot()) return &scripts.variables;
-    ClipInstance* clip = scripts.target.clip();
-    return clip ? &clip->variables : nullptr;
-}
-
 Variable* find(Movie& movie, const Reference& reference) {
     if (!reference.name || reference.where == Reference::Where::nowhere) return nullptr;
-    const Text& name = *reference.name.get();
+    const Name& name = reference.name;
     if (reference.where == Reference::Where::clip) return reference.clip->variables.find(name);
-    VariableList* const lists[] = {localsOf(movie), targetList(movie), &movie.scripts.variables};
-    for (VariableList* list : lists)
-        if (Variable* found = list ? list->find(name) : nullptr) return found;
-    return nullptr;
+    std::uint32_t hint = 0;
+    return findInScope(movie.scripts, runningList(movie), *name, hint);
 }
 
-Value special(Movie& movie, std::string_view name, bool& known) {
+// What stands for itself, whatever variables there are.
+Value special(Movie& movie, KnownName name, bool& known) {
     ScriptContext& scripts = movie.scripts;
     known = true;
-    if (name == "this") {
-        const ActionList* list = runningList(movie);
-        if (list && !list->thisObject.is(ValueType::undefined)) return list->thisObject.copy();
-        return targetValue(movie, scripts.target);
+    switch (name) {
+        case KnownName::self: {
+            const ActionList* list = runningList(movie);
+            if (list && !list->thisObject.is(ValueType::undefined)) return list->thisObject.copy();
+            return targetValue(movie, scripts.target);
+        }
+        case KnownName::root:
+        case KnownName::level0: return clipValue(movie, nullptr);
+        case KnownName::parent: {
+            const ClipInstance* clip = scripts.target.clip();
+            return clip ? clipValue(movie, clipAround(*clip)) : Value();
+        }
+        case KnownName::math: return Value::object(scripts.math);
+        case KnownName::string: return Value::object(scripts.string);
+        case KnownName::number: return Value::object(scripts.number);
+        case KnownName::key: return Value::object(scripts.key);
+        default: known = false; return {};
     }
-    if (name == "_root" || name == "_level0") return clipValue(movie, nullptr);
-    if (name == "_parent") {
-        const ClipInstance* clip = scripts.target.clip();
-        return clip ? clipValue(movie, clipAround(*clip)) : Value();
-    }
-    if (name == "Math") return Value::object(scripts.math);
-    if (name == "String") return Value::object(scripts.string);
-    if (name == "Number") return Value::object(scripts.number);
-    if (name == "Key") return Value::object(scripts.key);
-    known = false;
-    return {};
 }
 
 // The old value is let go of when the new one stands, as the device counts uses.
@@ -85,7 +75,7 @@ ActionList* runningList(Movie& movie) {
     ScriptContext& scripts = movie.scripts;
     if (scripts.level == 0) return nullptr;
     ActionLevel& level = scripts.levels[scripts.level - 1];
-    return level.current < level.lists.size() ? level.lists[level.current].get() : nullptr;
+    return level.current < level.count ? level.lists[level.current].get() : nullptr;
 }
 
 Value clipValue(Movie& movie, ClipInstance* clip) {
@@ -96,70 +86,73 @@ Value clipValue(Movie& movie, ClipInstance* clip) {
 
 Value targetValue(Movie& movie, const Target& target) { return Value::clip(movie.scripts.memory, target.anchor()); }
 
-Value getVariable(Movie& movie, const TextHold& name) {
+Value getVariable(Movie& movie, const Name& name, std::uint32_t& hint) {
     if (!name) return {};
+    if (!name->hasColon && name->known == KnownName::none)
+        if (const Variable* variable = findInScope(movie.scripts, runningList(movie), *name, hint))
+            return variable->value.copy();
     const Reference reference = referenceOf(movie, name);
     if (!reference.name || reference.where == Reference::Where::nowhere) return {};
     const bool inScope = reference.where == Reference::Where::scope;
     if (inScope) {
         bool known = false;
-        Value value = special(movie, reference.name.view(), known);
+        Value value = special(movie, reference.name->known, known);
         if (known) return value;
     }
     if (const Variable* variable = find(movie, reference)) return variable->value.copy();
     if (!inScope) return {};
-    if (ScriptFunction* function = findFunction(movie, *reference.name.get())) return Value::function(*function);
+    if (ScriptFunction* function = reference.name->function) return Value::function(*function);
     const Target& target = movie.scripts.target;
     if (target.isGone()) return {};
     ClipInstance* child = childClip(movie, target.clip(), reference.name.view());
     return child ? clipValue(movie, child) : Value();
 }
 
-const Value* findVariable(Movie& movie, const TextHold& name) {
+const Value* findVariable(Movie& movie, const Name& name) {
     const Variable* variable = find(movie, referenceOf(movie, name));
     return variable ? &variable->value : nullptr;
 }
 
-void setVariable(Movie& movie, const TextHold& name, Value value) {
+void setVariable(Movie& movie, const Name& name, Value value, std::uint32_t& hint) {
     if (!name) return;
+    if (!name->hasColon)
+        if (Variable* variable = findInScope(movie.scripts, runningList(movie), *name, hint))
+            return replace(*variable, std::move(value));
     const Reference reference = referenceOf(movie, name);
     if (reference.where == Reference::Where::nowhere) return;
     if (Variable* variable = find(movie, reference)) return replace(*variable, std::move(value));
-    VariableList* list = reference.where == Reference::Where::clip ? &reference.clip->variables : targetList(movie);
+    VariableList* list =
+        reference.where == Reference::Where::clip ? &reference.clip->variables : targetList(movie.scripts);
     if (list) storeVariable(movie, *list, reference.name, std::move(value));
 }
 
-void defineLocal(Movie& movie, const TextHold& name, Value value) {
+void defineLocal(Movie& movie, const Name& name, Value value) {
+    VariableList* const locals = localsOf(runningList(movie));
+    VariableList* const list = locals ? locals : targetList(movie.scripts);
+    if (list) defineIn(movie, *list, name, std::move(value));
+}
+
+void defineIn(Movie& movie, VariableList& list, const Name& name, Value value) {
     if (!name) return;
     const Reference reference = referenceOf(movie, name);
     if (reference.where == Reference::Where::nowhere) return;
-    VariableList* locals = localsOf(movie);
-    VariableList* list = locals ? locals : targetList(movie);
-    if (!list) return;
-    Variable* variable = list->findOrAdd(movie.scripts.memory, reference.name);
+    Variable* variable = list.findOrAdd(movie.scripts.memory, reference.name);
     if (!variable) return;
-    addUse(value);
-    std::swap(variable->value, value);  // the device does not count that the old one goes
+    if (value.is(ValueType::object)) addUse(value);
+    swap(variable->value, value);  // the device does not count that the old one goes
 }
 
-void deleteVariable(Movie& movie, const TextHold& name) {
+void deleteVariable(Movie& movie, const Name& name) {
     if (!name) return;
     Variable* variable = find(movie, referenceOf(movie, name));
     if (variable) replace(*variable, Value());
 }
 
-void storeVariable(Movie& movie, VariableList& list, const TextHold& name, Value value) {
+void storeVariable(Movie& movie, VariableList& list, const Name& name, Value value) {
     Variable* variable = list.findOrAdd(movie.scripts.memory, name);
-    if (variable) replace(*variable, std::move(value));
-}
-
-ScriptFunction* findFunction(Movie& movie, const Text& name) {
-    constexpr std::size_t comparedAtOnce = 8;
-    std::size_t compared = 0;
-    ScriptFunction* function = movie.scripts.firstFunction;
-    for (; function && !sameName(*function->name.get(), name); function = function->next) ++compared;
-    spend(movie.scripts, compared / comparedAtOnce);
-    return function;
+    if (!variable) return;
+    addUse(value);
+    std::swap(variable->value, value);  // the device does not count that the old one goes
 }
 
 }  // namespace qel

@@ -15,19 +15,27 @@ Value clipValue(Movie& movie, ClipInstance* clip);
 Value targetValue(Movie& movie, const Target& target);
 
 // What a name stands for: `this`, `_root` and the like, a variable, a function, a clip. A path may stand in front of
-// it, behind which ":" follows. `undefined` where there is nothing.
-Value getVariable(Movie& movie, const TextHold& name);
+// it, behind which ":" follows. `undefined` where there is nothing. `hint` is where the variable was found last time:
+// whoever asks again and again keeps it, and begins with 0.
+Value getVariable(Movie& movie, const Name& name, std::uint32_t& hint);
+inline Value getVariable(Movie& movie, const Name& name) {
+    std::uint32_t hint = 0;
+    return getVariable(movie, name, hint);
+}
 
 // Without the special names, functions and clips: the variable, or null.
-const Value* findVariable(Movie& movie, const TextHold& name);
+const Value* findVariable(Movie& movie, const Name& name);
 
-void setVariable(Movie& movie, const TextHold& name, Value value);
-void defineLocal(Movie& movie, const TextHold& name, Value value);
-void deleteVariable(Movie& movie, const TextHold& name);
+void setVariable(Movie& movie, const Name& name, Value value, std::uint32_t& hint);
+
+// A variable of the function that runs, or of the target; of a given list. A path in front of the name only has to
+// resolve.
+void defineLocal(Movie& movie, const Name& name, Value value);
+void defineIn(Movie& movie, VariableList& list, const Name& name, Value value);
+
+void deleteVariable(Movie& movie, const Name& name);
 
 // Stores a value in the variable of a list, making it where it is missing.
-void storeVariable(Movie& movie, VariableList& list, const TextHold& name, Value value);
-
-ScriptFunction* findFunction(Movie& movie, const Text& name);
+void storeVariable(Movie& movie, VariableList& list, const Name& name, Value value);
 
 }  // namespace qel

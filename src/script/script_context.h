@@ -8,6 +8,7 @@
 #include "movie/pool.h"
 #include "script/action_list.h"
 #include "script/random.h"
+#include "script/value_stack.h"
 
 namespace qel {
 
@@ -34,8 +35,8 @@ struct LabelEntry {
 struct ScriptContext {
     static constexpr std::uint32_t mostLevels = 30;
     static constexpr std::uint32_t registerCount = 4;
-    static constexpr std::uint32_t mostActions = 20'000'000;  // in one run; then it fails
 
+    std::uint32_t actionLimit = 20'000'000;                 // of one run, which fails when they are used up
     std::uint8_t nextButtonKey = 0, previousButtonKey = 0;  // the navigation keys; 0: none
     bool gotoMark = false;                                  // a goto passes over frames: their actions are not queued
     PoolArray<NameEntry> names;
@@ -45,20 +46,25 @@ struct ScriptContext {
     PoolArray<LabelEntry> labels;
 
     ScriptMemory memory;
+    NameTable nameTable;
+    Name lengthName, valueName;  // what objects of the device call their own properties
     ObjectTable objects;
     ScriptObject math, string, number, key;  // reached by name, never freed
     ScriptFunction* firstFunction = nullptr;
     ScriptFunction* lastFunction = nullptr;
     VariableList variables;  // of the root timeline
-    PoolArray<Value> stack;
+    ValueStack stack{memory};
     std::array<Value, registerCount> registers;
     std::uint32_t startTime = 0;  // milliseconds of the host's clock
     RandomState random;
 
+    // Code that was made lately, for the next time.
+    static constexpr std::uint32_t recentCodes = 64;
+    std::array<Shared<ActionCode>, recentCodes> recentCode;
+
     // The run.
     std::array<ActionLevel, mostLevels> levels;
-    std::uint32_t level = 0;  // 0: nothing runs; levels are counted from 1
-    std::uint32_t actionsLeft = 0;
+    std::uint32_t level = 0;        // 0: nothing runs; levels are counted from 1
     bool frameRun = false;          // the run behind a frame, not the one behind the keys
     bool returned = false;          // the list ends with its action Return
     Result failure = Result::done;  // what the run ends with

@@ -24,11 +24,20 @@ void unlink(ScriptObject& object) {
     if (object.next) object.next->previous = object.previous;
 }
 
-void destroy(ScriptObject& object) {
-    unlink(object);
-    ScriptMemory& memory = *object.table->memory;
-    memory.giveBack(classNameCharge(object));
-    PoolPtr<ScriptObject>(&object, PoolDelete{memory.charged}).reset();
+// What an object holds may be the last to hold others, in chains of any length: those wait until this one is gone.
+void destroy(ScriptObject& first) {
+    ObjectTable& table = *first.table;
+    unlink(first);
+    first.next = std::exchange(table.doomed, &first);
+    if (table.destroying) return;
+    table.destroying = true;
+    ScriptMemory& memory = *table.memory;
+    while (ScriptObject* object = table.doomed) {
+        table.doomed = object->next;
+        memory.giveBack(classNameCharge(*object));
+        PoolPtr<ScriptObject>(object, PoolDelete{memory.charged}).reset();
+    }
+    table.destroying = false;
 }
 
 // The first free place of the table, which doubles when there is none.
@@ -36,12 +45,9 @@ bool takeSlot(ObjectTable& table, ScriptObject& object) {
     while (table.lowestFree < table.slots.size() && table.slots[table.lowestFree]) ++table.lowestFree;
     const std::uint32_t slot = table.lowestFree, count = table.slots.size();
     if (slot == count) {
-        const std::uint32_t room = count == 0 ? ObjectTable::firstCapacity : 2 * count;
         if (count == ScriptObject::noSlot) return false;
-        if (count == table.capacity) {
-            if (failed(table.slots.reserve(*table.memory->charged, room))) return false;
-            table.capacity = room;
-        }
+        if (count == table.slots.capacity() && failed(table.slots.reserve(*table.memory->charged, 2 * count)))
+            return false;
         table.slots.appendReserved(nullptr);
     }
     table.slots[slot] = &object;
@@ -62,6 +68,11 @@ void holdAnchor(ClipAnchor& anchor) { ++anchor.holders; }
 
 void letGoOfAnchor(ClipAnchor& anchor) {
     if (--anchor.holders == 0 && !anchor.clip) freeBlock(*anchor.pool, &anchor);
+}
+
+bool reserveObjects(ObjectTable& table) {
+    constexpr std::uint32_t firstCapacity = 50;
+    return !failed(table.slots.reserve(*table.memory->charged, firstCapacity));
 }
 
 ScriptObject* newObject(ObjectTable& table, std::string_view className) {
@@ -105,12 +116,12 @@ void dropUse(const Value& value) {
     object.slot = ScriptObject::noSlot;
 }
 
-const Value* propertyOf(const ScriptObject& object, const Text& name) {
+const Value* propertyOf(const ScriptObject& object, const Name& name) {
     const Variable* property = object.properties.find(name);
     return property ? &property->value : nullptr;
 }
 
-bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, const TextHold& name, Value value) {
+bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, const Name& name, Value value) {
     Variable* property = object.properties.findOrAdd(memory, name);
     if (!property) return false;
     addUse(value);
@@ -119,7 +130,7 @@ bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, const TextHold
 }
 
 bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, std::string_view name, Value value) {
-    return setPropertyValue(memory, object, makeText(memory, name), std::move(value));
+    return setPropertyValue(memory, object, makeName(memory, name), std::move(value));
 }
 
 }  // namespace qel

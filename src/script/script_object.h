@@ -44,12 +44,12 @@ inline constexpr std::uint32_t charge<struct ScriptObject> = 24;
 // All objects that scripts have made. The device keeps them in a table that doubles, and frees what nobody gave back
 // with the table.
 struct ObjectTable {
-    static constexpr std::uint32_t firstCapacity = 50;
-
     ScriptMemory* memory = nullptr;
     PoolArray<ScriptObject*> slots;
-    std::uint32_t capacity = 0, lowestFree = 0;
+    std::uint32_t lowestFree = 0;
     ScriptObject* first = nullptr;
+    ScriptObject* doomed = nullptr;  // those that are being destroyed, linked by `next`
+    bool destroying = false;
 
     ObjectTable() = default;
     ObjectTable(const ObjectTable&) = delete;
@@ -61,6 +61,9 @@ struct ObjectTable {
 template <>
 inline constexpr std::uint32_t charge<struct ScriptObject*> = 4;
 
+// Room for the first objects.
+bool reserveObjects(ObjectTable& table);
+
 // An empty object of the kind that the class name selects. Null when memory is exhausted.
 ScriptObject* newObject(ObjectTable& table, std::string_view className);
 
@@ -69,8 +72,8 @@ void addUse(const Value& value);
 void dropUse(const Value& value);
 
 // A property, or null.
-const Value* propertyOf(const ScriptObject& object, const Text& name);
-bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, const TextHold& name, Value value);
+const Value* propertyOf(const ScriptObject& object, const Name& name);
+bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, const Name& name, Value value);
 bool setPropertyValue(ScriptMemory& memory, ScriptObject& object, std::string_view name, Value value);
 
 // What references to a clip share. The clip lets go of it when it is freed.

@@ -8,10 +8,14 @@
 namespace qel {
 
 // Counts work that grows with what an action is given as so many more actions: long texts, many values, long lists.
-inline void spend(ScriptContext& scripts, std::size_t work) {
-    scripts.actionsLeft = work < scripts.actionsLeft ? scripts.actionsLeft - static_cast<std::uint32_t>(work) : 0;
-}
+inline void spend(ScriptContext& scripts, std::size_t work) { scripts.memory.spend(work); }
 inline void spendText(ScriptContext& scripts, std::size_t bytes) { spend(scripts, bytes / 64); }
+
+// Ends the run with a failure.
+inline void failRun(ScriptContext& scripts, Result failure) {
+    scripts.failure = failure;
+    scripts.memory.actionsLeft = 0;
+}
 
 // Takes every queued list off every level.
 void discardLists(ScriptContext& scripts);

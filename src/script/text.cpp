@@ -4,11 +4,15 @@
 #include <cstddef>
 #include <limits>
 
+#include "script/name.h"
+
 namespace qel {
 namespace {
 
+// A text that the budget could never hold is not put together either.
 TextHold emptyBlock(ScriptMemory& memory, std::size_t length) {
-    if (length > std::numeric_limits<std::int32_t>::max()) {
+    const std::size_t most = std::min<std::size_t>(memory.charged->budget, std::numeric_limits<std::int32_t>::max());
+    if (length >= most) {
         memory.exhausted = true;
         return {};
     }
@@ -18,18 +22,14 @@ TextHold emptyBlock(ScriptMemory& memory, std::size_t length) {
         memory.exhausted = true;
         return {};
     }
-    auto* text = new (block) Text{&memory, 0, static_cast<std::uint32_t>(length), 0, {}};
+    auto* text = new (block) Text{};
+    text->memory = &memory;
+    text->length = static_cast<std::uint32_t>(length);
     text->bytes[length] = 0;
     return TextHold(text);
 }
 
 }  // namespace
-
-std::uint32_t hashOf(std::string_view bytes) {
-    std::uint32_t hash = 2166136261u;
-    for (const char c : bytes) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
-    return hash;
-}
 
 TextHold makeText(ScriptMemory& memory, std::string_view bytes) {
     return joinTexts(memory, bytes.substr(0, bytes.find('\0')), {});
@@ -40,8 +40,12 @@ TextHold joinTexts(ScriptMemory& memory, std::string_view first, std::string_vie
     if (!text) return text;
     std::copy(first.begin(), first.end(), text.get()->bytes);
     std::copy(second.begin(), second.end(), text.get()->bytes + first.size());
-    text.get()->hash = hashOf(text.view());
     return text;
+}
+
+void freeText(Text& text) {
+    if (text.isName) forgetName(text);
+    freeBlock(*text.memory->uncharged, &text);
 }
 
 }  // namespace qel

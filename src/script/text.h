@@ -1,25 +1,35 @@
 // Texts of scripts: bytes without a zero, shared by all values and names that hold them.
 #pragma once
 
-#include <cstring>
 #include <string_view>
 
+#include "script/known_names.h"
 #include "script/script_memory.h"
 
 namespace qel {
 
-// Counts its holders. `hash` is that of the bytes: names are compared by it first.
+struct ScriptFunction;
+
+// Counts its holders.
 struct Text {
     ScriptMemory* memory;
     std::uint32_t holders;
     std::uint32_t length;
+
+    // Of a text that is a name (script/name.h); of others nothing.
+    ScriptFunction* function;  // the function of that name
+    Text* nextName;            // in the table of names
     std::uint32_t hash;
+    bool isName;
+    bool hasColon;  // it begins with a path
+    KnownName known;
+
     char bytes[1];  // `length` bytes and a zero
 
     std::string_view view() const { return {bytes, length}; }
 };
 
-std::uint32_t hashOf(std::string_view bytes);
+void freeText(Text& text);
 
 // Holds a text, or none.
 class TextHold {
@@ -35,7 +45,7 @@ class TextHold {
         return *this;
     }
     ~TextHold() {
-        if (text_ && --text_->holders == 0) freeBlock(*text_->memory->uncharged, text_);
+        if (text_ && --text_->holders == 0) freeText(*text_);
     }
 
     Text* get() const { return text_; }
@@ -52,9 +62,5 @@ TextHold makeText(ScriptMemory& memory, std::string_view bytes);
 
 // A text of two parts.
 TextHold joinTexts(ScriptMemory& memory, std::string_view first, std::string_view second);
-
-inline bool sameName(const Text& a, const Text& b) {
-    return &a == &b || (a.hash == b.hash && a.length == b.length && std::memcmp(a.bytes, b.bytes, a.length) == 0);
-}
 
 }  // namespace qel

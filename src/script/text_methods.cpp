@@ -49,7 +49,7 @@ Value concat(const MethodCall& call, const TextHold& text) {
     TextHold joined = text;
     for (const Value& argument : call.arguments) {
         const TextHold more = toText(call.movie, argument);
-        if (!more || !joined) return {};
+        if (!more || !joined || call.movie.scripts.memory.actionsLeft == 0) return {};
         spendText(call.movie.scripts, joined.view().size() + more.view().size());
         joined = joinTexts(call.movie.scripts.memory, joined.view(), more.view());
     }
@@ -66,6 +66,7 @@ double indexOf(const MethodCall& call, std::string_view text) {
         if (given < 0 || static_cast<std::size_t>(given) >= text.size()) return notFound;
         start = static_cast<std::size_t>(given);
     }
+    spendText(call.movie.scripts, text.size() * std::max<std::size_t>(wanted.view().size(), 1));
     const std::size_t found = text.find(wanted.view(), start);
     return found == std::string_view::npos ? notFound : static_cast<double>(found);
 }
@@ -77,7 +78,6 @@ Value withCase(const MethodCall& call, std::string_view text, char from, char to
         char& c = copy.get()->bytes[i];
         if (c >= from && c <= to) c = static_cast<char>(c + by);
     }
-    copy.get()->hash = hashOf(copy.view());
     return Value::text(call.movie.scripts.memory, std::move(copy));
 }
 
@@ -105,9 +105,9 @@ Value callTextMethod(const MethodCall& call) {
         const std::int64_t begin = fromEitherEnd(first, length);
         return piece(call, text, begin, std::min(begin + std::clamp<std::int64_t>(second, 0, length), length));
     }
-    const auto [begin, end] =
-        std::minmax(std::clamp<std::int64_t>(first, 0, length), std::clamp<std::int64_t>(second, 0, length));
-    return piece(call, text, begin, end);
+    const std::int64_t one = std::clamp<std::int64_t>(first, 0, length);
+    const std::int64_t other = std::clamp<std::int64_t>(second, 0, length);
+    return piece(call, text, std::min(one, other), std::max(one, other));
 }
 
 Value callStringClass(const MethodCall& call) {

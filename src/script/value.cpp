@@ -2,14 +2,6 @@
 
 namespace qel {
 
-Value Value::number(ScriptMemory& memory, double number) {
-    Value value;
-    if (!memory.take(numberCharge)) return value;
-    value.become(&memory, ValueType::number, nullptr);
-    value.setNumber(number);
-    return value;
-}
-
 Value Value::text(ScriptMemory& memory, TextHold text) {
     Value value;
     if (!text) return value;
@@ -43,9 +35,8 @@ Value Value::function(ScriptFunction& function) {
     return value;
 }
 
-Value Value::copy() const {
+Value Value::copyOther() const {
     switch (type()) {
-        case ValueType::number: return number(memory(), asNumber());
         case ValueType::text: return text(memory(), TextHold(&asText()));
         case ValueType::clip: return clip(memory(), asAnchor());
         case ValueType::object: return object(asObject());
@@ -56,11 +47,10 @@ Value Value::copy() const {
 
 void Value::release() {
     switch (type()) {
-        case ValueType::number: memory().giveBack(numberCharge); break;
         case ValueType::text: {
             Text& text = asText();
             memory().giveBack(textCharge(text));
-            if (--text.holders == 0) freeBlock(*text.memory->uncharged, &text);
+            if (--text.holders == 0) freeText(text);
             break;
         }
         case ValueType::clip:

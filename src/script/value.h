@@ -51,8 +51,14 @@ class Value {
 
     // Where memory is exhausted these give `undefined` and mark it. A text whose first byte is that of a tag reads as
     // that constant, or as `undefined` where the tag promises more than a byte.
-    static Value number(ScriptMemory& memory, double number);
+    static Value number(ScriptMemory& memory, double number) {
+        return memory.take(numberCharge) ? Value(memory, number) : Value();
+    }
     static Value text(ScriptMemory& memory, TextHold text);
+    // The text of a name that does not begin like a tag.
+    static Value plainText(ScriptMemory& memory, Text& name) {
+        return memory.take(textCharge(name)) ? Value(memory, name) : Value();
+    }
     static Value text(ScriptMemory& memory, std::string_view bytes) { return text(memory, makeText(memory, bytes)); }
     static Value clip(ScriptMemory& memory, ClipAnchor* anchor);  // null: the root timeline
     static Value object(ScriptObject& object);
@@ -65,8 +71,15 @@ class Value {
         return *this;
     }
     Value(const Value&) = delete;
+    friend void swap(Value& a, Value& b) noexcept {
+        std::swap(a.word_, b.word_);
+        std::swap(a.payload_, b.payload_);
+    }
     ~Value() {
-        if (type() >= ValueType::object) release();
+        if (is(ValueType::number))
+            memory().giveBack(numberCharge);
+        else if (type() >= ValueType::object)
+            release();
     }
 
     ValueType type() const { return static_cast<ValueType>(word_ & typeBits); }
@@ -79,12 +92,22 @@ class Value {
     ScriptFunction& asFunction() const { return *pointer<ScriptFunction>(); }
 
     // Numbers, texts and clip references are charged once more; objects and functions are shared.
-    Value copy() const;
+    Value copy() const { return is(ValueType::number) ? number(memory(), asNumber()) : copyOther(); }
 
     // Another number in the place of one, which costs nothing.
     void setNumber(double number) { payload_ = std::bit_cast<std::uint64_t>(number); }
 
   private:
+    Value(ScriptMemory& memory, double number)
+        : word_(reinterpret_cast<std::uintptr_t>(&memory) | static_cast<std::uintptr_t>(ValueType::number)),
+          payload_(std::bit_cast<std::uint64_t>(number)) {}
+
+    Value(ScriptMemory& memory, Text& text)
+        : word_(reinterpret_cast<std::uintptr_t>(&memory) | static_cast<std::uintptr_t>(ValueType::text)),
+          payload_(reinterpret_cast<std::uintptr_t>(&text)) {
+        ++text.holders;
+    }
+
     static constexpr std::uintptr_t typeBits = 15;  // ScriptMemory lies at multiples of 16
     static constexpr auto undefinedWord = static_cast<std::uintptr_t>(ValueType::undefined);
 
@@ -97,6 +120,7 @@ class Value {
         word_ = reinterpret_cast<std::uintptr_t>(memory) | static_cast<std::uintptr_t>(type);
         payload_ = reinterpret_cast<std::uintptr_t>(pointer);
     }
+    Value copyOther() const;
     void release();
 
     std::uintptr_t word_ = undefinedWord;  // the type, and where a charged value is charged

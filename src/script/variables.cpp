@@ -8,39 +8,47 @@ namespace {
 constexpr std::uint32_t nodeCharge = 12;  // next, name, value
 constexpr std::uint32_t mostUnindexed = 8;
 
-std::uint32_t nameCharge(const Text& name) { return name.length + 1; }
+// The device's two blocks: a node and a copy of the name.
+std::uint32_t nodeAndNameCharge(const Text& name) { return nodeCharge + blockHeaderCharge + name.length + 1; }
+
+// Where the search for a name begins. Content has no say in it, so it cannot make all names meet.
+std::uint32_t placeOf(const Text& name) {
+    const auto address = reinterpret_cast<std::uintptr_t>(&name);
+    return static_cast<std::uint32_t>(address >> 5 ^ address >> 13);
+}
 
 }  // namespace
 
 Variable* VariableList::find(const Text& name) {
     if (slots_.empty()) {
         for (Variable& variable : variables_)
-            if (sameName(*variable.name.get(), name)) return &variable;
+            if (&*variable.name == &name) return &variable;
         return nullptr;
     }
     const std::uint32_t mask = slots_.size() - 1;
-    for (std::uint32_t slot = name.hash & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
+    for (std::uint32_t slot = placeOf(name) & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
         Variable& variable = variables_[slots_[slot] - 1];
-        if (sameName(*variable.name.get(), name)) return &variable;
+        if (&*variable.name == &name) return &variable;
     }
     return nullptr;
 }
 
-Variable* VariableList::add(ScriptMemory& memory, const TextHold& name) {
+Variable* VariableList::search(const Text& name, std::uint32_t& hint) {
+    Variable* found = find(name);
+    if (found) hint = static_cast<std::uint32_t>(found - variables_.begin());
+    return found;
+}
+
+Variable* VariableList::add(ScriptMemory& memory, const Name& name) {
     memory_ = &memory;
-    if (!name || !memory.take(nodeCharge)) return nullptr;
-    if (!memory.take(nameCharge(*name.get()))) {
-        memory.giveBack(nodeCharge);
-        return nullptr;
-    }
-    Variable variable;
-    variable.name = name;
-    if (failed(variables_.append(*memory.uncharged, std::move(variable)))) {
-        memory.giveBack(nodeCharge);
-        memory.giveBack(nameCharge(*name.get()));
+    if (!name || !memory.take(nodeAndNameCharge(*name))) return nullptr;
+    const std::uint32_t room = variables_.size() < 4 ? 4 : 2 * variables_.size();
+    if (variables_.size() == variables_.capacity() && failed(variables_.reserve(*memory.uncharged, room))) {
+        memory.giveBack(nodeAndNameCharge(*name));
         memory.exhausted = true;
         return nullptr;
     }
+    variables_.makeReserved([&] { return Variable{name, {}}; });
     const bool grown = variables_.size() * 2 > slots_.size();
     if (variables_.size() > mostUnindexed && grown) {
         if (!index()) slots_.clear();  // one by one, then
@@ -50,14 +58,9 @@ Variable* VariableList::add(ScriptMemory& memory, const TextHold& name) {
     return &variables_.back();
 }
 
-Variable* VariableList::findOrAdd(ScriptMemory& memory, const TextHold& name) {
-    Variable* found = name ? find(*name.get()) : nullptr;
-    return found ? found : add(memory, name);
-}
-
 void VariableList::enter(std::uint32_t at) {
     const std::uint32_t mask = slots_.size() - 1;
-    std::uint32_t slot = variables_[at].name->hash & mask;
+    std::uint32_t slot = placeOf(*variables_[at].name) & mask;
     while (slots_[slot] != 0) slot = (slot + 1) & mask;
     slots_[slot] = at + 1;
 }
@@ -71,12 +74,9 @@ bool VariableList::index() {
 }
 
 void VariableList::clear() {
-    for (const Variable& variable : variables_) {
-        memory_->giveBack(nodeCharge);
-        memory_->giveBack(nameCharge(*variable.name.get()));
-    }
-    variables_.clear();
-    slots_.clear();
+    for (const Variable& variable : variables_) memory_->giveBack(nodeAndNameCharge(*variable.name));
+    variables_.truncate(0);
+    if (!slots_.empty()) slots_.clear();
 }
 
 }  // namespace qel

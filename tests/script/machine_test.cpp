@@ -16,7 +16,7 @@ using author::actions;
 using author::place;
 using Write = void (*)(ActionWriter&);
 
-Value variable(Movie& movie, std::string_view name) { return getVariable(movie, makeText(movie.scripts.memory, name)); }
+Value variable(Movie& movie, std::string_view name) { return getVariable(movie, makeName(movie.scripts.memory, name)); }
 
 std::string textOf(Movie& movie, std::string_view name) {
     const Value value = variable(movie, name);
@@ -206,6 +206,7 @@ TEST(Classes, TextsNumbersArraysAndMath) {
         {"ef", [](ActionWriter& w) { w.number(10).number(-2).number(2).text("abcdef").method("slice"); }},
         {"cdef", [](ActionWriter& w) { w.number(100).number(2).number(2).text("abcdef").method("substr"); }},
         {"bcd", [](ActionWriter& w) { w.number(1).number(4).number(2).text("abcdef").method("substring"); }},
+        {"ab", [](ActionWriter& w) { w.number(2).number(-1).number(2).text("abc").method("substring"); }},
         {"-1", [](ActionWriter& w) { w.number(2).text("b").number(2).text("abc").method("indexOf"); }},
         {"ABC", [](ActionWriter& w) { w.number(0).text("aBc").method("toUpperCase"); }},
         {"3.141592", [](ActionWriter& w) { w.get("Math").text("PI").act(Action::getMember); }},
